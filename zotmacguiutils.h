@@ -2,6 +2,7 @@
 #ifndef ZOTMACGUIUTILS_H
 #define ZOTMACGUIUTILS_H
 
+#include "mifobject/PasswordScrambling.h"
 #include "os/zot_string.h"
 
 #endif
