@@ -3,6 +3,7 @@
 #define ZOTMACGUIUTILS_H
 
 #include "mifobject/PasswordScrambling.h"
+#include "os/ZotOsFile.h"
 #include "os/zot_string.h"
 
 #endif

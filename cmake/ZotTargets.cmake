@@ -12,6 +12,8 @@ endif()
 # What every target of this project is compiled with; consumers never see it.
 add_library(zot_build INTERFACE)
 target_compile_features(zot_build INTERFACE cxx_std_20 c_std_11)
+# Files above 2 GiB on hosts whose long has 32 bits.
+target_compile_definitions(zot_build INTERFACE _FILE_OFFSET_BITS=64)
 target_compile_options(zot_build INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
 # All sources are compiled once, position independent; the shared library and

@@ -1,0 +1,72 @@
+// Files, directories, a one-star search, and the place of the running program.
+//
+// Paths are terminated texts with '/' as separator.  Results are 1 for success
+// and 0 for failure, and a failure leaves errno as the call that failed set it.
+// Times are seconds since the epoch and sizes are in bytes; of both, the low
+// 32 bits are given.  Nothing here keeps state between calls: threads may use
+// everything at the same time, each with search records of its own.
+#ifndef ZOT_OS_FILE_H
+#define ZOT_OS_FILE_H
+
+#include <dirent.h>
+#include <stdint.h>
+
+#include "os/ZotExport.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+// Bytes of the texts of a search, terminators included.
+#define ZOT_OS_FIND_TEXT 1024
+
+// The types of entries that a search reports: a directory, or a link to one;
+// everything else, a link to a file included.
+#define ZOT_OS_FIND_FILE 1
+#define ZOT_OS_FIND_DIRECTORY 2
+
+// A search.  It belongs to the caller and to one thread.
+typedef struct ZotOsFindData {
+  DIR* dir;                        // null while no search is open
+  char path[ZOT_OS_FIND_TEXT];     // the directory that is searched
+  char pattern[ZOT_OS_FIND_TEXT];  // what the names of its entries must match
+} ZotOsFindData;
+
+// Returns 1 when path names something that exists; a link to nothing does not.
+ZOT_EXPORT uint32_t ZotOsFileExists(const char* path);
+
+// Stores the size of the file; 0 when it cannot be had.
+ZOT_EXPORT uint32_t ZotOsGetFileSize(const char* path, uint32_t* size);
+
+// Sets the times of last access and last modification.
+ZOT_EXPORT uint32_t ZotOsSetFileTime(const char* path, uint32_t seconds);
+
+// Copies the bytes, the permission bits (whatever the umask), the owner, the group
+// and the times of a file.  An existing destination is overwritten, or refused
+// with 0 when failIfExists is not 0.
+//
+// A failed copy leaves behind what it has written so far.  When there is no
+// memory for the copy's buffer, the destination stays empty, keeps its owner, and
+// the result is 1; callers rely on that.  A file copied onto itself ends empty.
+ZOT_EXPORT uint32_t ZotOsCopyFile(const char* source, const char* destination, uint32_t failIfExists);
+
+// Delete a file; delete an empty directory; rename, replacing what stands there.
+ZOT_EXPORT uint32_t ZotOsDeleteFile(const char* path);
+ZOT_EXPORT uint32_t ZotOsDeleteDir(const char* path);
+ZOT_EXPORT uint32_t ZotOsRenameFile(const char* oldPath, const char* newPath);
+
+// Stores the directory of the running program, without a '/' at its end, in dir
+// and the program's name in name, which may be null.  error, which may be null,
+// receives errno, 0 on success.
+//
+// Sizes count bytes, terminators included.  A dirSize below the length of the
+// program's whole path cuts that path before it is split, and the result is still 1.
+ZOT_EXPORT uint32_t ZotOsGetModuleFileName(char* dir, uint32_t dirSize, char* name, uint32_t nameSize,
+                                           uint32_t* error);
+ZOT_EXPORT uint32_t ZotOsGetModulePath(char* dir, uint32_t dirSize, uint32_t* error);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
