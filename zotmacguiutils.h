@@ -2,8 +2,8 @@
 #ifndef ZOTMACGUIUTILS_H
 #define ZOTMACGUIUTILS_H
 
+#include "log/ZotLog.h"
 #include "mifobject/PasswordScrambling.h"
-#include "os/ZotOsFile.h"
-#include "os/zot_string.h"
+#include "os/ZotOs.h"
 
 #endif

@@ -1,0 +1,32 @@
+// The bodies of the log writers, for the room itself and its tests.  They look at
+// no level: the caller has done that and passes bit 0 of the level word.
+#ifndef ZOT_LOG_INTERNAL_H
+#define ZOT_LOG_INTERNAL_H
+
+#include <atomic>
+#include <cstdarg>
+#include <cstdint>
+
+#include "log/ZotLog.h"
+
+// Not 0 once the system log was opened; bit 0x10000000 does not count.
+extern std::atomic<uint32_t> dLogOpen;
+
+void fnvvLog(uint32_t mask, uint32_t toStdout, const char* format, va_list args) ZOT_PRINTF(3, 0);
+void fnvLogData(uint32_t toStdout, const void* data, long length, int mode, const char* text);
+void fnvvLogData(uint32_t toStdout, const void* data, long length, int mode, const char* format, va_list args)
+    ZOT_PRINTF(5, 0);
+
+// Writes prefix (may be null) and message to standard output, or the message
+// alone to the system log.
+void vWrLog(uint32_t toStdout, const char* prefix, const char* message);
+
+// The time of day as a log line shows it, in a text that all threads share: a
+// later call changes it.  It keeps its last value when there is no time to be had.
+const char* cpszGetTime();
+
+// Appends what the dump modes of ZotOsvLogData promise to nothing: dst is
+// overwritten from its start and holds size bytes, terminator included.
+void vPrepLogData(char* dst, unsigned int size, const void* data, long length, int mode);
+
+#endif

@@ -1,0 +1,61 @@
+// Log lines of the library itself, written through pstLog.
+//
+// The macros look at the level first and only then evaluate the arguments behind
+// the format: a line that is switched off asks the system for nothing.  They are
+// macros so that the compiler still checks the whole format against all of its
+// arguments, those that end it included.
+//
+//   ZOT_LINE(mask, format, ...)             no tail
+//   ZOT_LINE_IDS(mask, format, ...)         format ends in "(pid=%u tid=%ld)"
+//   ZOT_LINE_ERR(mask, code, format, ...)   format ends in "(%d=%s)"
+//   ZOT_LINE_ERR_IDS(mask, code, format, ...)   "(%d=%s pid=%u tid=%ld)"
+//
+// code is an error number that the caller has saved: other calls between the
+// failure and the line may overwrite errno.
+#ifndef ZOT_LOG_LINE_INTERNAL_H
+#define ZOT_LOG_LINE_INTERNAL_H
+
+#include <atomic>
+#include <cstdint>
+#include <cstring>
+
+#include "log/ZotLog.h"
+
+// The level word of an object, 0 when it has none yet.  Other processes and
+// threads change the word at any time; each reader is content with any of its values.
+inline uint32_t logLevel(const ZotOsLog* log) {
+  if (log == nullptr || log->level == nullptr) {
+    return 0;
+  }
+  return std::atomic_ref(*log->level).load(std::memory_order_relaxed);
+}
+
+inline bool logPasses(uint32_t level, uint32_t mask) {
+  return (level & mask) > 1;
+}
+
+// pstLog as any thread may read it while the first semaphore sets it.
+inline ZotOsLog* processLog() {
+  return std::atomic_ref(pstLog).load(std::memory_order_acquire);
+}
+
+unsigned int logPid();
+long logTid();  // the kernel's id of the calling thread
+
+#define ZOT_LINE(mask, ...)                                                                   \
+  do {                                                                                        \
+    if (ZotOsLog* const zotLineLog = processLog(); logPasses(logLevel(zotLineLog), (mask))) { \
+      ZotOsvLog(zotLineLog, (mask), __VA_ARGS__);                                             \
+    }                                                                                         \
+  } while (false)
+
+#define ZOT_LINE_IDS(mask, format, ...) \
+  ZOT_LINE((mask), format __VA_OPT__(, ) __VA_ARGS__, logPid(), logTid())
+
+#define ZOT_LINE_ERR(mask, code, format, ...) \
+  ZOT_LINE((mask), format __VA_OPT__(, ) __VA_ARGS__, (code), std::strerror(code))
+
+#define ZOT_LINE_ERR_IDS(mask, code, format, ...) \
+  ZOT_LINE((mask), format __VA_OPT__(, ) __VA_ARGS__, (code), std::strerror(code), logPid(), logTid())
+
+#endif

@@ -1,0 +1,125 @@
+// Where log lines go, and the timestamp in front of them.
+#include <sys/time.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#ifdef __linux__
+#include <sys/syscall.h>
+#else
+#include <pthread.h>
+#endif
+
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+
+#include "log/LogInternal.h"
+#include "log/LogLineInternal.h"
+#include "os/zot_string.h"
+
+namespace {
+
+constexpr uint32_t kIgnoredOpenBit = 0x10000000;
+constexpr unsigned int kStampSize = 32;
+
+// The longest message there is, with each of its percent signs doubled.
+constexpr size_t kSyslogSize = 2 * 1543;
+
+// The timestamp that all threads share.  It is stored word by word, so that a
+// reader in another thread meets bytes of two timestamps at worst.
+alignas(uint64_t) char sharedStamp[kStampSize];
+
+void publishStamp(const char (&text)[kStampSize]) {
+  for (unsigned int at = 0; at < kStampSize; at += sizeof(uint32_t)) {
+    uint32_t word;
+    std::memcpy(&word, text + at, sizeof word);
+    std::atomic_ref(*reinterpret_cast<uint32_t*>(sharedStamp + at)).store(word, std::memory_order_relaxed);
+  }
+}
+
+// Makes a format of a finished message: "%%" and "%m" stay, every other percent
+// sign is doubled and shows as it stands.  Nobody passed arguments for it, and a
+// width before the 'm' could ask for gigabytes of blanks.
+void makeFormat(char (&dst)[kSyslogSize], const char* message) {
+  size_t at = 0;
+  for (; *message != '\0' && at + 3 <= kSyslogSize; ++message) {
+    dst[at++] = *message;
+    if (*message != '%') {
+      continue;
+    }
+    const bool meant = message[1] == '%' || message[1] == 'm';
+    dst[at++] = meant ? *++message : '%';
+  }
+  dst[at] = '\0';
+}
+
+void writeSyslog(const char* message) {
+  if ((dLogOpen.load(std::memory_order_relaxed) & ~kIgnoredOpenBit) == 0) {
+    // Only the thread that counts from zero opens the log.
+    if ((dLogOpen.fetch_add(1, std::memory_order_relaxed) & ~kIgnoredOpenBit) == 0) {
+      openlog("ZotOsLog", LOG_PID, LOG_USER);
+    }
+  }
+  char format[kSyslogSize];
+  makeFormat(format, message);
+// The message is a format on purpose: makeFormat() left no conversion in it that
+// fetches an argument.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-security"
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+  syslog(LOG_INFO, format);
+#pragma GCC diagnostic pop
+}
+
+// The stream's own lock keeps the lines of two threads apart.
+void writeStdout(const char* prefix, const char* message) {
+  flockfile(stdout);
+  std::fflush(stdout);
+  if (prefix != nullptr && *prefix != '\0') {
+    std::fputs(prefix, stdout);
+  }
+  std::fputs(message, stdout);
+  std::fflush(stdout);
+  funlockfile(stdout);
+}
+
+}  // namespace
+
+std::atomic<uint32_t> dLogOpen{0};
+
+void vWrLog(uint32_t toStdout, const char* prefix, const char* message) {
+  if (toStdout != 0) {
+    writeStdout(prefix, message);
+  } else {
+    writeSyslog(message);
+  }
+}
+
+const char* cpszGetTime() {
+  timeval now{};
+  tm local{};
+  if (gettimeofday(&now, nullptr) != 0 || localtime_r(&now.tv_sec, &local) == nullptr) {
+    return sharedStamp;
+  }
+  // The year 2000 prints as "100" and January as "00"; callers rely on both.
+  const int year = local.tm_year > 100 ? local.tm_year - 100 : local.tm_year;
+  char text[kStampSize] = {};
+  sprintf_zot(text, kStampSize, "%02d-%02d-%02d %02d:%02d:%02d,%03ld", year, local.tm_mon, local.tm_mday,
+              local.tm_hour, local.tm_min, local.tm_sec, static_cast<long>(now.tv_usec / 1000));
+  publishStamp(text);
+  return sharedStamp;
+}
+
+unsigned int logPid() {
+  return static_cast<unsigned int>(getpid());
+}
+
+long logTid() {
+#ifdef __linux__
+  return static_cast<long>(syscall(SYS_gettid));
+#else
+  uint64_t id = 0;
+  pthread_threadid_np(nullptr, &id);
+  return static_cast<long>(id);
+#endif
+}

@@ -1,0 +1,251 @@
+#include "os/ZotOsMmf.h"
+
+#include <fcntl.h>
+#include <sys/ipc.h>
+#include <sys/mman.h>
+#include <sys/shm.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+
+#include "log/LogLineInternal.h"
+#include "os/ZotOsMmfInternal.h"
+
+namespace {
+
+struct Free {
+  void operator()(void* block) const { std::free(block); }
+};
+
+// Keeps the number of the failure and makes the result 0.  The file or segment no
+// longer counts as made by this process.
+uint32_t failed(ZotOsMmfHandle& handle, int error) {
+  handle.created = 0;
+  handle.lastError = error;
+  return 0;
+}
+
+bool openFile(ZotOsMmfHandle& handle, const char* path) {
+  const bool missing = access(path, F_OK) != 0;
+  handle.created = missing ? 1 : 0;
+  handle.fd = open(path, O_RDWR | O_APPEND | O_CLOEXEC | (missing ? O_CREAT : 0), 0600);
+  if (handle.fd == -1) {
+    const int error = errno;
+    ZOT_LINE_ERR(ZOT_LOG_FATAL, error, "FATAL ZotOsMmfCreate: file %s could not be %s (%d=%s)", path,
+                 missing ? "created" : "opened");
+    return failed(handle, error) != 0;
+  }
+  return true;
+}
+
+bool readSize(ZotOsMmfHandle& handle, const char* path) {
+  struct stat status {};
+  if (fstat(handle.fd, &status) == 0) {
+    handle.size = static_cast<uint32_t>(status.st_size);
+    return true;
+  }
+  const int error = errno;
+  close(handle.fd);
+  handle.fd = -1;
+  ZOT_LINE_ERR(ZOT_LOG_ERROR, error, "ERROR ZotOsMmfCreate: file status %s could not be read (%d=%s)", path);
+  return failed(handle, error) != 0;
+}
+
+// The file is open for appending, so one write of zeros makes it grow at its end.
+bool extendFile(ZotOsMmfHandle& handle, const char* path, uint32_t size) {
+  const uint32_t missing = size - handle.size;
+  // At least one byte, or calloc could answer null without a failure.
+  const std::unique_ptr<void, Free> zeros(std::calloc(std::max(missing, 1u), 1));
+  if (zeros == nullptr) {
+    const int error = errno;
+    ZOT_LINE_ERR(ZOT_LOG_FATAL, error, "FATAL ZotOsMmfCreate: no write buffer availabel (%d=%s)");
+    return failed(handle, error) != 0;
+  }
+  const ssize_t written = write(handle.fd, zeros.get(), missing);
+  if (written != static_cast<ssize_t>(missing)) {
+    // A short write sets no number; it is what a disk without room answers.
+    const int error = written < 0 ? errno : ENOSPC;
+    ZOT_LINE_ERR(ZOT_LOG_FATAL, error,
+                 "FATAL ZotOsMmfCreate: write (%u bytes) to created file %s failed (%d=%s)",
+                 static_cast<unsigned int>(std::max<ssize_t>(written, 0)), path);
+    return failed(handle, error) != 0;
+  }
+  handle.size = size;
+  return true;
+}
+
+uint32_t mapFile(ZotOsMmfHandle& handle) {
+  void* const block = mmap(nullptr, handle.size, PROT_READ | PROT_WRITE, MAP_SHARED, handle.fd, 0);
+  const int error = errno;
+  handle.address = block == MAP_FAILED ? nullptr : block;
+  // A failed mapping writes this line too; callers rely on it.
+  ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsMmfCreate: mmap( %p, %d ) ok", handle.address,
+           static_cast<int>(handle.size));
+  return handle.address != nullptr ? 1 : failed(handle, error);
+}
+
+uint32_t createFile(ZotOsMmfHandle& handle, uint32_t size, const char* path) {
+  if (!openFile(handle, path)) {
+    return 0;
+  }
+  if (handle.created == 0 && !readSize(handle, path)) {
+    return 0;
+  }
+  if ((handle.created != 0 || handle.size < size) && !extendFile(handle, path, size)) {
+    return 0;
+  }
+  return mapFile(handle);
+}
+
+uint32_t createSegment(ZotOsMmfHandle& handle, uint32_t size, int32_t key) {
+  handle.shmId = shmget(key, size, IPC_CREAT | IPC_EXCL | 0666);
+  if (handle.shmId != -1) {
+    ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsMmfCreate(%d): shm (key=0x%X) is created", handle.shmId,
+             static_cast<unsigned int>(key));
+    handle.created = 1;
+    return fMmfAttach(&handle) != 0 ? 1 : failed(handle, handle.lastError);
+  }
+  int error = errno;
+  handle.lastError = error;
+  if (error != EEXIST) {
+    ZOT_LINE_ERR(ZOT_LOG_FATAL, error, "FATAL ZotOsMmfCreate: shm (key=0x%X) failed (%d=%s)",
+                 static_cast<unsigned int>(key));
+    return 0;
+  }
+  if (ZotOsMmfOpen(&handle, 0, key) != 0) {
+    return 1;
+  }
+  error = handle.lastError;
+  ZOT_LINE_ERR(ZOT_LOG_FATAL, error,
+               "FATAL ZotOsMmfCreate: key=0x%X already created, but ZotOsMmfOpen failed (%d=%s)",
+               static_cast<unsigned int>(key));
+  return 0;
+}
+
+uint32_t closeFile(ZotOsMmfHandle& handle) {
+  if (handle.fd != -1) {
+    close(handle.fd);
+  }
+  if (handle.address == nullptr) {
+    return 1;
+  }
+  ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsMmfClose: unmap(%p) now", handle.address);
+  if (munmap(handle.address, handle.size) == 0) {
+    return 1;
+  }
+  handle.lastError = errno;
+  ZOT_LINE_ERR(ZOT_LOG_ERROR, handle.lastError, "ERROR ZotOsMmfClose: unmap(%p) failed (%d=%s)",
+               handle.address);
+  return 0;
+}
+
+uint32_t detachSegment(ZotOsMmfHandle& handle) {
+  ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsMmfClose(%d): detach shm (%p)", handle.shmId, handle.address);
+  if (shmdt(handle.address) != 0) {
+    const int error = errno;
+    ZOT_LINE_ERR(ZOT_LOG_ERROR, error, "ERROR ZotOsMmfClose(%d): shm detaching failed (%d=%s)", handle.shmId);
+  }
+  handle.address = nullptr;
+  return 1;
+}
+
+// Removed while still attached: the system keeps the block until this process
+// lets go of it, so that what still reads it is not cut off.
+uint32_t removeSegment(ZotOsMmfHandle& handle) {
+  ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsMmfClose(%d): close shm", handle.shmId);
+  if (shmctl(handle.shmId, IPC_RMID, nullptr) != 0) {
+    const int error = errno;
+    ZOT_LINE_ERR(ZOT_LOG_ERROR, error, "ERROR ZotOsMmfClose(%d): shmctl failed ( %d=%s )", handle.shmId);
+    return 0;
+  }
+  handle.address = nullptr;
+  handle.shmId = -1;
+  return 1;
+}
+
+}  // namespace
+
+uint32_t ZotOsMmfCreate(ZotOsMmfHandle* handle, uint32_t size, const char* filePath, int32_t key,
+                        uint32_t /*reserved*/) {
+  if (handle == nullptr) {
+    return 0;
+  }
+  *handle = ZotOsMmfHandle{};
+  handle->fd = -1;
+  handle->shmId = -1;
+  const bool file = filePath != nullptr && *filePath != '\0';
+  return file ? createFile(*handle, size, filePath) : createSegment(*handle, size, key);
+}
+
+uint32_t ZotOsMmfOpen(ZotOsMmfHandle* handle, uint32_t /*reserved*/, int32_t key) {
+  if (handle == nullptr) {
+    return 0;
+  }
+  handle->shmId = shmget(key, 0, 0);
+  if (handle->shmId != -1) {
+    ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsMmfOpen(%d): shm (key=0x%X) is opened", handle->shmId,
+             static_cast<unsigned int>(key));
+    return fMmfAttach(handle);
+  }
+  handle->lastError = errno;
+  ZOT_LINE_ERR(ZOT_LOG_ERROR, handle->lastError, "ERROR ZotOsMmfOpen: open shm (key=0x%X) failed (%d=%s)",
+               static_cast<unsigned int>(key));
+  return 0;
+}
+
+uint32_t fMmfAttach(ZotOsMmfHandle* handle) {
+  if (handle == nullptr) {
+    return 0;
+  }
+  void* const block = shmat(handle->shmId, nullptr, 0);
+  // shmat answers (void*)-1 for a failure, which is also MAP_FAILED.
+  if (block == MAP_FAILED) {
+    const int error = errno;
+    ZOT_LINE_ERR(ZOT_LOG_FATAL, error, "FATAL fMmfAttach: shmat failed (%d=%s)");
+    shmctl(handle->shmId, IPC_RMID, nullptr);
+    handle->shmId = -1;
+    handle->address = nullptr;
+    handle->lastError = error;
+    return 0;
+  }
+  handle->address = block;
+  shmid_ds status{};
+  if (shmctl(handle->shmId, IPC_STAT, &status) == 0) {
+    ZOT_LINE(ZOT_LOG_TRACE, "TRACE fMmfAttach(%d): shm (addr=%p) is attached now: %lu", handle->shmId, block,
+             static_cast<unsigned long>(status.shm_nattch));
+  }
+  return 1;
+}
+
+uint32_t ZotOsMmfFlush(ZotOsMmfHandle* /*handle*/, void* address, uint32_t length) {
+  const auto page = static_cast<uintptr_t>(getpagesize());
+  const uintptr_t behind = reinterpret_cast<uintptr_t>(address) % page;
+  // A length that no longer fits is one that msync refuses.
+  const auto whole = static_cast<size_t>(std::min<uint64_t>(uint64_t{length} + behind, SIZE_MAX));
+  if (msync(static_cast<char*>(address) - behind, whole, MS_SYNC) == 0) {
+    return 1;
+  }
+  const int error = errno;
+  ZOT_LINE_ERR(ZOT_LOG_ERROR, error, "ERROR ZotOsMmfFlush: msync failed (%d=%s)");
+  return 0;
+}
+
+uint32_t ZotOsMmfClose(ZotOsMmfHandle* handle) {
+  if (handle == nullptr) {
+    return 0;
+  }
+  if (handle->shmId == -1) {
+    return closeFile(*handle);
+  }
+  shmid_ds status{};
+  if (shmctl(handle->shmId, IPC_STAT, &status) != 0) {
+    return 1;
+  }
+  ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsMmfClose(%d): shm %d attached processes", handle->shmId,
+           static_cast<int>(status.shm_nattch));
+  return status.shm_nattch > 1 ? detachSegment(*handle) : removeSegment(*handle);
+}
