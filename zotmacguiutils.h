@@ -2,6 +2,10 @@
 #ifndef ZOTMACGUIUTILS_H
 #define ZOTMACGUIUTILS_H
 
+#ifdef __cplusplus
+#include "ipaddr/ZotIpAddr.h"
+#endif
+#include "ipaddr/zot_inet.h"
 #include "log/ZotLog.h"
 #include "mifobject/PasswordScrambling.h"
 #include "os/ZotOs.h"
