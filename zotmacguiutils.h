@@ -10,4 +10,9 @@
 #include "mifobject/PasswordScrambling.h"
 #include "os/ZotOs.h"
 
+#ifdef __cplusplus
+#include "mif/Mif32.h"
+#include "mif/MifRecord.h"
+#endif
+
 #endif

@@ -1,0 +1,285 @@
+#include "mif/Mif32.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+
+#include "mif/MifRecord.h"
+
+namespace {
+
+constexpr unsigned int kGrowthMargin = 1000;
+constexpr unsigned int kLargestDoubledBlock = 1u << 31;
+
+// The compiler would drop a plain memset in front of free().
+void wipe(unsigned char* block, size_t size) {
+  std::memset(block, 0, size);
+  __asm__ volatile("" : : "r"(block) : "memory");
+}
+
+// Blocks that grew are powers of two behind the scenes, so that realloc() moves
+// the bytes a logarithmic number of times although each growth asks for little.
+size_t grownBlockSize(unsigned int allocLen) {
+  return allocLen > kLargestDoubledBlock ? allocLen : std::bit_ceil(allocLen);
+}
+
+}  // namespace
+
+Mif32::Mif32() : pbData(nullptr), uLen(0), uAllocLen(0), cFailed(0), cExternal(0) {}
+
+Mif32::~Mif32() {
+  if (cExternal == 0 && pbData != nullptr) {
+    wipe(pbData, uAllocLen);
+  }
+  releaseBlock();
+  detach();
+}
+
+// The bytes that a walk may see: those in use, as far as they lie in the block.
+unsigned int Mif32::usedBytes() const {
+  return pbData == nullptr ? 0 : std::min(uLen, uAllocLen);
+}
+
+bool Mif32::ownsAddress(const unsigned char* address) const {
+  const std::less<> before;
+  return cExternal == 0 && pbData != nullptr && !before(address, pbData) &&
+         before(address, pbData + uAllocLen);
+}
+
+void Mif32::releaseBlock() {
+  if (cExternal == 0) {
+    std::free(pbData);
+  }
+}
+
+void Mif32::detach() {
+  pbData = nullptr;
+  uLen = 0;
+  uAllocLen = 0;
+  cFailed = 0;
+  cExternal = 0;
+}
+
+unsigned int Mif32::CheckSize(unsigned int n) {
+  const uint64_t need = uint64_t{uLen} + n;
+  const bool fits = uAllocLen >= need && (pbData != nullptr || n == 0);
+  if (fits || cExternal != 0) {
+    return fits ? 1 : 0;
+  }
+  const uint64_t newAllocLen = need + kGrowthMargin;
+  return newAllocLen <= UINT32_MAX ? grow(static_cast<unsigned int>(newAllocLen)) : 0;
+}
+
+unsigned int Mif32::grow(unsigned int newAllocLen) {
+  const unsigned int kept = pbData == nullptr ? 0 : uAllocLen;
+  auto* block = static_cast<unsigned char*>(std::realloc(pbData, grownBlockSize(newAllocLen)));
+  if (block == nullptr) {
+    std::free(pbData);
+    cFailed = 1;
+  } else {
+    // A length set by hand may show bytes that nobody wrote.
+    std::memset(block + kept, 0, newAllocLen - kept);
+  }
+  pbData = block;
+  uAllocLen = newAllocLen;
+  return block != nullptr ? 1 : 0;
+}
+
+unsigned int Mif32::Alloc(unsigned short size) {
+  if (cExternal != 0) {
+    return 0;
+  }
+  std::free(pbData);
+  pbData = static_cast<unsigned char*>(std::calloc(size, 1));
+  uAllocLen = size;
+  uLen = 0;
+  return pbData != nullptr ? 1 : 0;
+}
+
+unsigned int Mif32::SetExternalMem(unsigned char* mem, unsigned int allocLen, unsigned int usedLen) {
+  if (mem == nullptr || allocLen == 0 || ownsAddress(mem)) {
+    return 0;
+  }
+  releaseBlock();
+  pbData = mem;
+  uAllocLen = allocLen;
+  uLen = usedLen;
+  cFailed = 0;
+  cExternal = 1;
+  return 1;
+}
+
+unsigned int Mif32::IsExternalMem(unsigned int* freeBytes) {
+  if (cExternal != 1) {
+    return 0;
+  }
+  if (freeBytes != nullptr) {
+    *freeBytes = uAllocLen - uLen;
+  }
+  return 1;
+}
+
+void Mif32::ClearBuffer() {
+  if (cExternal != 0) {
+    detach();
+    return;
+  }
+  uLen = 0;
+  if (pbData != nullptr) {
+    std::memset(pbData, 0, uAllocLen);
+  }
+}
+
+void Mif32::SetData(const unsigned char* data, unsigned int size) {
+  if (data == pbData) {
+    return;
+  }
+  if (data == nullptr || size == 0) {
+    releaseBlock();
+    detach();
+    return;
+  }
+  // The bytes may stand in the block that is about to be freed.
+  auto* block = static_cast<unsigned char*>(std::malloc(size));
+  if (block != nullptr) {
+    std::memcpy(block, data, size);
+  }
+  releaseBlock();
+  pbData = block;
+  if (block == nullptr) {
+    cFailed = 1;
+    return;
+  }
+  uAllocLen = size;
+  uLen = size;
+  cExternal = 0;
+}
+
+void Mif32::SetData(const char* data, unsigned int size) {
+  SetData(reinterpret_cast<const unsigned char*>(data), size);
+}
+
+// The one place that writes behind the bytes in use.
+unsigned int Mif32::append(const void* header, unsigned int headerLen, const unsigned char* value,
+                           unsigned int len) {
+  const uint64_t count = uint64_t{headerLen} + len;
+  // A value inside the block moves with it when the block grows.
+  const bool inside = len != 0 && ownsAddress(value);
+  const size_t valueOffset = inside ? static_cast<size_t>(value - pbData) : 0;
+  if (count > UINT32_MAX || CheckSize(static_cast<unsigned int>(count)) == 0) {
+    return 0;
+  }
+  if (headerLen != 0) {
+    std::memcpy(pbData + uLen, header, headerLen);
+  }
+  if (len != 0) {
+    std::memmove(pbData + uLen + headerLen, inside ? pbData + valueOffset : value, len);
+  }
+  uLen += static_cast<unsigned int>(count);
+  return 1;
+}
+
+unsigned int Mif32::Add(unsigned short oid, const unsigned char* value, unsigned short len) {
+  if (oid == kMifEndMarker) {
+    return append(&oid, kMifEndMarkerSize, nullptr, 0);
+  }
+  if (value == nullptr && len != 0) {
+    return 0;
+  }
+  unsigned char header[kMifHeaderSize];
+  mifStore(header, oid);
+  mifStore(header + 2, len);
+  return append(header, kMifHeaderSize, value, len);
+}
+
+unsigned int Mif32::AddInt(unsigned short oid, unsigned int value) {
+  return Add(oid, reinterpret_cast<const unsigned char*>(&value), sizeof value);
+}
+
+unsigned int Mif32::AddInt64(unsigned short oid, unsigned long long value) {
+  const unsigned short len = value >> 32 != 0 ? 8 : 4;
+  return Add(oid, reinterpret_cast<const unsigned char*>(&value), len);
+}
+
+unsigned int Mif32::AddStr(unsigned short oid, const char* text) {
+  if (text == nullptr) {
+    return 0;
+  }
+  return Add(oid, reinterpret_cast<const unsigned char*>(text),
+             static_cast<unsigned short>(std::strlen(text)));
+}
+
+unsigned int Mif32::AddBin(unsigned short oid, const unsigned char* data, unsigned int len) {
+  return data != nullptr ? Add(oid, data, static_cast<unsigned short>(len)) : 0;
+}
+
+unsigned int Mif32::AddTime(unsigned short oid, long time) {
+  return AddInt(oid, static_cast<unsigned int>(time));
+}
+
+unsigned int Mif32::AddEndKz() {
+  const unsigned int used = usedBytes();
+  const MifRecords records(pbData, used);
+  auto at = records.begin();
+  while (at != records.end()) {
+    ++at;
+  }
+  const uint64_t left = at.offset() <= used ? used - at.offset() : 0;
+  if (left >= kMifHeaderSize) {
+    return 0;
+  }
+  if (left >= kMifEndMarkerSize && mifLoad<unsigned short>(pbData + at.offset()) == kMifEndMarker) {
+    return 1;
+  }
+  return Add(kMifEndMarker, nullptr, 0);
+}
+
+unsigned int Mif32::DelEndKz() {
+  if (uLen > usedBytes() || uLen < kMifEndMarkerSize) {
+    return 0;
+  }
+  const unsigned int marker = uLen - kMifEndMarkerSize;
+  if (mifLoad<unsigned short>(pbData + marker) != kMifEndMarker) {
+    return 0;
+  }
+  const MifRecords records(pbData, uLen);
+  auto at = records.begin();
+  while (at != records.end()) {
+    ++at;
+  }
+  if (at.offset() != marker) {
+    return 0;
+  }
+  uLen = marker;
+  return 1;
+}
+
+unsigned int Mif32::RawAddByte(unsigned char value) {
+  return append(&value, sizeof value, nullptr, 0);
+}
+
+unsigned int Mif32::RawAddWord(unsigned short value) {
+  return append(&value, sizeof value, nullptr, 0);
+}
+
+unsigned int Mif32::RawAddDWord(unsigned int value) {
+  return append(&value, sizeof value, nullptr, 0);
+}
+
+unsigned int Mif32::RawAddLDWord(unsigned long long value) {
+  return append(&value, sizeof value, nullptr, 0);
+}
+
+unsigned int Mif32::RawAddBin(const unsigned char* data, unsigned int len) {
+  return data != nullptr ? append(nullptr, 0, data, len) : 0;
+}
+
+unsigned int Mif32::RawAddStr(const char* text) {
+  const size_t len = text != nullptr ? std::strlen(text) : 0;
+  if (text == nullptr || len > UINT32_MAX) {
+    return 0;
+  }
+  return append(nullptr, 0, reinterpret_cast<const unsigned char*>(text), static_cast<unsigned int>(len));
+}

@@ -1,0 +1,178 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "mif/Mif32.h"
+#include "tests/mif/MifBytes.h"
+
+namespace {
+
+TEST(Mif32Format, IsTheseBytesInEitherByteOrder) {
+  Mif32 mif;
+  ASSERT_EQ(1u, mif.AddInt(7, 0x01020304));
+  ASSERT_EQ(1u, mif.AddInt64(9, 5));
+  ASSERT_EQ(1u, mif.AddInt64(9, 0x0102030405060708));
+  ASSERT_EQ(1u, mif.AddTime(0x1234, -2));
+  ASSERT_EQ(1u, mif.AddStr(5, "ab"));
+  ASSERT_EQ(1u, mif.AddStr(5, ""));
+  ASSERT_EQ(1u, mif.AddEndKz());
+  const unsigned char big[] = {0,    7,    0,    4,    1, 2, 3, 4, 0,   9,   0, 4, 0,    0,    0,    0,
+                               0,    9,    0,    8,    1, 2, 3, 4, 5,   6,   7, 8, 0x12, 0x34, 0,    4,
+                               0xFF, 0xFF, 0xFF, 0xFE, 0, 5, 0, 2, 'a', 'b', 0, 5, 0,    0,    0xFF, 0xFF};
+  const unsigned char little[] = {7,    0,    4,    0,    4, 3, 2, 1, 9,   0,   4, 0, 5,    0,    0,    0,
+                                  9,    0,    8,    0,    8, 7, 6, 5, 4,   3,   2, 1, 0x34, 0x12, 4,    0,
+                                  0xFE, 0xFF, 0xFF, 0xFF, 5, 0, 2, 0, 'a', 'b', 5, 0, 0,    0,    0xFF, 0xFF};
+  static_assert(sizeof big == sizeof little);
+  const auto* expected = std::endian::native == std::endian::big ? big : little;
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(expected), sizeof big), contents(mif));
+}
+
+TEST(Mif32Format, RawAppendsHaveNoHeader) {
+  Mif32 mif;
+  EXPECT_EQ(1u, mif.RawAddByte(0xAB));
+  EXPECT_EQ(1u, mif.RawAddWord(0x0102));
+  EXPECT_EQ(1u, mif.RawAddDWord(0x01020304));
+  EXPECT_EQ(1u, mif.RawAddLDWord(0x0102030405060708));
+  EXPECT_EQ(1u, mif.RawAddStr("xyz"));
+  EXPECT_EQ(1u, mif.RawAddStr(""));
+  const std::string large(70000, 'L');
+  EXPECT_EQ(1u, mif.RawAddBin(bytesOf(large), 70000));
+  EXPECT_EQ("\xAB" + host(0x0102, 2) + host(0x01020304, 4) + host(0x0102030405060708, 8) + "xyz" + large,
+            contents(mif));
+}
+
+TEST(Mif32Building, RefusesNullAndCutsLengthsTo16Bits) {
+  Mif32 mif;
+  EXPECT_EQ(0u, mif.AddStr(5, nullptr));
+  EXPECT_EQ(0u, mif.AddBin(5, nullptr, 3));
+  EXPECT_EQ(0u, mif.Add(5, nullptr, 3));
+  EXPECT_EQ(0u, mif.RawAddBin(nullptr, 0));
+  EXPECT_EQ(0u, mif.RawAddStr(nullptr));
+  EXPECT_EQ(0u, mif.GetLen());
+  EXPECT_EQ(nullptr, mif.GetData());
+
+  const std::string large(70000, 'v');
+  EXPECT_EQ(1u, mif.AddBin(6, bytesOf(large), 70000));
+  EXPECT_EQ(1u, mif.AddStr(7, large.c_str()));
+  const std::string cut = large.substr(0, 4464);
+  EXPECT_EQ(rec(6, cut) + rec(7, cut), contents(mif));
+
+  mif.ClearBuffer();
+  EXPECT_EQ(1u, mif.Add(0xFFFF, bytesOf(large), 100)) << "the marker has neither length nor value";
+  EXPECT_EQ(kEndKz, contents(mif));
+}
+
+TEST(Mif32Building, GrowsByTheRequestAndThousand) {
+  Mif32 mif;
+  EXPECT_EQ(1u, mif.AddInt(1, 1));
+  EXPECT_EQ(8u + 1000, mif.GetAllocLen());
+  EXPECT_EQ(1u, mif.CheckSize(1000));
+  EXPECT_EQ(1008u, mif.GetAllocLen()) << "it fits exactly";
+  EXPECT_EQ(1u, mif.CheckSize(1001));
+  EXPECT_EQ(8u + 1001 + 1000, mif.GetAllocLen());
+  EXPECT_EQ(0u, mif.CheckSize(UINT32_MAX)) << "no 32-bit length can hold it";
+  EXPECT_EQ(2009u, mif.GetAllocLen());
+  EXPECT_EQ(rec(1, host(1, 4)), contents(mif));
+
+  EXPECT_EQ(1u, mif.Alloc(65535));
+  EXPECT_EQ(65535u, mif.GetAllocLen());
+  EXPECT_EQ(0u, mif.GetLen());
+  mif.SetLen(2000);
+  EXPECT_EQ(std::string(2000, '\0'), contents(mif)) << "a length set by hand shows no foreign bytes";
+}
+
+TEST(Mif32Building, AppendsFromItsOwnBlockWhileItMoves) {
+  Mif32 mif;
+  load(mif, rec(1, "payload"));
+  for (int i = 0; i < 12; ++i) {
+    ASSERT_EQ(1u, mif.RawAddBin(mif.GetData(), mif.GetLen()));
+  }
+  std::string expected = rec(1, "payload");
+  for (int i = 0; i < 12; ++i) {
+    expected += expected;
+  }
+  EXPECT_EQ(expected, contents(mif));
+}
+
+TEST(Mif32EndMarker, IsAddedOnceAndRemovedOnlyBehindTheLastRecord) {
+  const std::string one = rec(1, "abc");
+  const struct {
+    std::string before;
+    unsigned int added;
+    std::string after;
+    unsigned int removed;  // by DelEndKz on `before`
+  } cases[] = {
+      {"", 1, kEndKz, 0},
+      {"x", 1, "x" + kEndKz, 0},
+      {kEndKz, 1, kEndKz, 1},
+      {one, 1, one + kEndKz, 0},
+      {one + kEndKz, 1, one + kEndKz, 1},
+      {one + "x" + kEndKz, 1, one + "x" + kEndKz + kEndKz, 0},
+      {one + kEndKz + "x", 1, one + kEndKz + "x", 0},
+      {one + kEndKz + "xy", 0, one + kEndKz + "xy", 0},
+      {one + kEndKz + kEndKz, 0, one + kEndKz + kEndKz, 0},
+      {one + kEndKz + rec(2, kEndKz), 0, one + kEndKz + rec(2, kEndKz), 0},
+      {rec(2, kEndKz), 1, rec(2, kEndKz) + kEndKz, 0},
+      {rec(2, kEndKz, 60000), 1, rec(2, kEndKz, 60000) + kEndKz, 0},
+  };
+  for (size_t i = 0; i < std::size(cases); ++i) {
+    SCOPED_TRACE(i);
+    const auto& c = cases[i];
+    Mif32 adding;
+    load(adding, c.before);
+    EXPECT_EQ(c.added, adding.AddEndKz());
+    EXPECT_EQ(c.after, contents(adding));
+    Mif32 removing;
+    load(removing, c.before);
+    EXPECT_EQ(c.removed, removing.DelEndKz());
+    EXPECT_EQ(c.before.substr(0, c.before.size() - 2 * c.removed), contents(removing));
+  }
+}
+
+TEST(Mif32External, NeitherGrowsNorFreesTheCallersMemory) {
+  std::vector<unsigned char> memory(10, 0x55);
+  Mif32 mif;
+  unsigned int freeBytes = 77;
+  EXPECT_EQ(0u, mif.IsExternalMem(&freeBytes));
+  EXPECT_EQ(77u, freeBytes);
+  EXPECT_EQ(0u, mif.SetExternalMem(nullptr, 10, 0));
+  EXPECT_EQ(0u, mif.SetExternalMem(memory.data(), 0, 0));
+  ASSERT_EQ(1u, mif.AddInt(1, 2));
+  EXPECT_EQ(0u, mif.SetExternalMem(mif.GetData() + 4, 4, 0)) << "its own block would be freed";
+  ASSERT_EQ(1u, mif.SetExternalMem(memory.data(), 10, 4));
+  EXPECT_EQ(1u, mif.IsExternalMem(&freeBytes));
+  EXPECT_EQ(6u, freeBytes);
+  EXPECT_EQ(1u, mif.IsExternalMem(nullptr));
+  EXPECT_EQ(0u, mif.AddInt(7, 1));
+  EXPECT_EQ(0u, mif.Alloc(100));
+  EXPECT_EQ(4u, mif.GetLen());
+  EXPECT_EQ(1u, mif.RawAddStr("sixsix"));
+  EXPECT_EQ(0u, mif.RawAddByte(1));
+  EXPECT_EQ(10u, mif.GetLen());
+  mif.ClearBuffer();
+  EXPECT_EQ(nullptr, mif.GetData());
+  EXPECT_EQ(0u, mif.GetAllocLen());
+  EXPECT_EQ("UUUUsixsix", std::string(memory.begin(), memory.end())) << "detaching wipes nothing";
+  EXPECT_EQ(1u, mif.AddInt(7, 1)) << "it is an owned buffer again";
+}
+
+TEST(Mif32Storage, SetDataCopiesAlsoFromItsOwnBlock) {
+  Mif32 mif;
+  const std::string bytes = rec(1, "abc") + rec(2, "defg");
+  load(mif, bytes);
+  EXPECT_EQ(bytes.size(), mif.GetAllocLen());
+  mif.SetData(mif.GetData(), 3);
+  EXPECT_EQ(bytes, contents(mif)) << "the block itself is left alone";
+  mif.SetData(mif.GetData() + rec(1, "abc").size(), 8);
+  EXPECT_EQ(rec(2, "defg"), contents(mif));
+  mif.ClearBuffer();
+  EXPECT_EQ(8u, mif.GetAllocLen());
+  EXPECT_EQ(std::string(8, '\0'), std::string(reinterpret_cast<char*>(mif.GetData()), 8));
+  mif.SetData("x", 0);
+  EXPECT_EQ(nullptr, mif.GetData());
+  EXPECT_EQ(0u, mif.GetAllocLen());
+}
+
+}  // namespace
