@@ -8,6 +8,7 @@
 #include <string>
 
 #include "ScriptedCalls.h"
+#include "support/FailingHeap.h"
 #include "support/TemporaryDirectory.h"
 
 namespace {
@@ -160,9 +161,11 @@ TEST_F(File, CopyReportsEachFailureAndKeepsWhatItWrote) {
 
 TEST_F(File, CopyWithoutABufferIsEmptyAndGood) {
   writeFile("existing", "gone afterwards");
-  scripted.malloc = {ENOMEM};
   scripted.fchown = {EPERM};
-  EXPECT_EQ(1u, ZotOsCopyFile("source", "existing", 0));
+  {
+    const FailingHeap heap;
+    EXPECT_EQ(1u, ZotOsCopyFile("source", "existing", 0));
+  }
   EXPECT_EQ(1u, scripted.fchown.size()) << "the owner is left alone";
   EXPECT_EQ("", readFile("existing"));
   EXPECT_EQ(0640u, statusOf("existing").st_mode & 07777u);

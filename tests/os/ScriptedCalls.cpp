@@ -46,7 +46,6 @@ extern "C" {
 int __real_close(int descriptor);
 int __real_fchmod(int descriptor, mode_t mode);
 int __real_fchown(int descriptor, uid_t owner, gid_t group);
-void* __real_malloc(size_t size);
 ssize_t __real_read(int descriptor, void* buffer, size_t count);
 int __real_utime(const char* path, const utimbuf* times);
 ssize_t __real_write(int descriptor, const void* buffer, size_t count);
@@ -63,10 +62,6 @@ int __wrap_fchmod(int descriptor, mode_t mode) {
 
 int __wrap_fchown(int descriptor, uid_t owner, gid_t group) {
   return fails(next(scripted.fchown)) ? -1 : __real_fchown(descriptor, owner, group);
-}
-
-void* __wrap_malloc(size_t size) {
-  return fails(next(scripted.malloc)) ? nullptr : __real_malloc(size);
 }
 
 ssize_t __wrap_read(int descriptor, void* buffer, size_t count) {

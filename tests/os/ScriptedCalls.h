@@ -11,7 +11,7 @@ namespace zot_test {
 // with 0, the real function runs.  A positive entry is the errno of a failure, a
 // negative one the number of bytes that read and write move at most.
 struct ScriptedCalls {
-  std::deque<int> close = {}, fchmod = {}, fchown = {}, malloc = {}, read = {}, utime = {}, write = {};
+  std::deque<int> close = {}, fchmod = {}, fchown = {}, read = {}, utime = {}, write = {};
 };
 extern ScriptedCalls scripted;
 
