@@ -34,6 +34,12 @@ struct SharedWord {
   bool replace(Word expected, Word next) {
     return std::atomic_ref(value).compare_exchange_strong(expected, next, std::memory_order_relaxed);
   }
+  // Makes the word at least `least`.
+  void raise(Word least) {
+    for (Word seen = load(); seen < least && !replace(seen, least);) {
+      seen = load();
+    }
+  }
 
   Word value;
 };
