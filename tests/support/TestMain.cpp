@@ -8,6 +8,8 @@
 #include <sched.h>
 #endif
 
+#include "support/IpcLeftovers.h"
+
 namespace {
 
 // System V keys are machine-wide.  In a namespace of their own, tests neither
@@ -24,6 +26,11 @@ bool enterOwnIpcNamespace() {
 #endif
 }
 
+// No test may leave a segment or a semaphore set behind.
+class LeftoverCheck : public testing::EmptyTestEventListener {
+  void OnTestEnd(const testing::TestInfo&) override { EXPECT_EQ("", zot_test::ipcLeftovers()); }
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -32,5 +39,6 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "no IPC namespace of our own: %s\n", std::strerror(errno));
     return 1;
   }
+  testing::UnitTest::GetInstance()->listeners().Append(new LeftoverCheck);
   return RUN_ALL_TESTS();
 }

@@ -1,0 +1,59 @@
+// A log object for a test, and the lines that code writes through it.
+#ifndef ZOT_TESTS_LOG_FIXTURE_H
+#define ZOT_TESTS_LOG_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "log/ZotLog.h"
+#include "support/Capture.h"
+
+namespace zot_test {
+
+inline constexpr uint32_t kEveryLine = 0x68000005;  // all masks, to standard output
+
+// While it lives, pstLog is an object with this level word and no shared block.
+class TestLog {
+ public:
+  explicit TestLog(uint32_t level = kEveryLine) : before_(pstLog) {
+    object.localLevel = level;
+    object.level = &object.localLevel;
+    pstLog = &object;
+  }
+  TestLog(const TestLog&) = delete;
+  TestLog& operator=(const TestLog&) = delete;
+  ~TestLog() { pstLog = before_; }
+
+  ZotOsLog object{};
+
+ private:
+  ZotOsLog* before_;
+};
+
+// The lines of a text; each has to begin with a timestamp, which is taken off.
+inline std::vector<std::string> withoutStamps(const std::string& text) {
+  static const std::regex kStamp("^\\d\\d-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d,\\d\\d\\d - ");
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) {
+    std::smatch stamp;
+    EXPECT_TRUE(std::regex_search(line, stamp, kStamp)) << line;
+    lines.push_back(stamp.suffix());
+  }
+  return lines;
+}
+
+// The messages that body logs at every level, without their timestamps.
+inline std::vector<std::string> logLines(const std::function<void()>& body, uint32_t level = kEveryLine) {
+  const TestLog log(level);
+  return withoutStamps(captured(body).out);
+}
+
+}  // namespace zot_test
+
+#endif
