@@ -2,17 +2,20 @@
 #ifndef ZOTMACGUIUTILS_H
 #define ZOTMACGUIUTILS_H
 
-#ifdef __cplusplus
-#include "ipaddr/ZotIpAddr.h"
-#endif
 #include "ipaddr/zot_inet.h"
 #include "log/ZotLog.h"
 #include "mifobject/PasswordScrambling.h"
 #include "os/ZotOs.h"
+#include "os/zot_string.h"
 
 #ifdef __cplusplus
+#include "ipaddr/ZotIpAddr.h"
 #include "mif/Mif32.h"
 #include "mif/MifRecord.h"
+#endif
+
+#ifdef __OBJC__
+#include "mifobject/ZOTMifBuffer.h"
 #endif
 
 #endif

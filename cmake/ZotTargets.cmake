@@ -5,7 +5,6 @@ find_package(Threads REQUIRED)
 if(ZOT_OBJECTS)
   enable_language(OBJC)
   enable_language(OBJCXX)
-  set(CMAKE_OBJCXX_STANDARD 20)  # compile features know no Objective-C++
   find_package(GNUstep REQUIRED)
 endif()
 
@@ -14,7 +13,9 @@ add_library(zot_build INTERFACE)
 target_compile_features(zot_build INTERFACE cxx_std_20 c_std_11)
 # Files above 2 GiB on hosts whose long has 32 bits.
 target_compile_definitions(zot_build INTERFACE _FILE_OFFSET_BITS=64)
-target_compile_options(zot_build INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+target_compile_options(zot_build INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  # Compile features know no Objective-C++.
+  $<$<COMPILE_LANGUAGE:OBJCXX>:-std=gnu++20>)
 
 # All sources are compiled once, position independent; the shared library and
 # the static one that the tests link are made of the same objects.

@@ -121,6 +121,22 @@ unsigned int Mif32::IsExternalMem(unsigned int* freeBytes) {
   return 1;
 }
 
+unsigned char* Mif32::GetData() {
+  return pbData;
+}
+
+unsigned int Mif32::GetLen() {
+  return uLen;
+}
+
+unsigned int Mif32::GetAllocLen() {
+  return uAllocLen;
+}
+
+void Mif32::SetLen(unsigned short len) {
+  uLen = len;
+}
+
 void Mif32::ClearBuffer() {
   if (cExternal != 0) {
     detach();

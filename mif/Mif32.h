@@ -52,12 +52,12 @@ class ZOT_EXPORT Mif32 {
 
   // The block (null when there is none), the bytes in use, the bytes allocated.
   // The pointer is valid until the next change to the buffer.
-  unsigned char* GetData() { return pbData; }
-  unsigned int GetLen() { return uLen; }
-  unsigned int GetAllocLen() { return uAllocLen; }
+  unsigned char* GetData();
+  unsigned int GetLen();
+  unsigned int GetAllocLen();
 
   // Declares len bytes in use, unchecked, after the caller filled the block itself.
-  void SetLen(unsigned short len) { uLen = len; }
+  void SetLen(unsigned short len);
 
   // Owned mode: wipes the block and keeps it.  External mode: lets go of the memory.
   void ClearBuffer();
@@ -162,18 +162,18 @@ class ZOT_EXPORT Mif32 {
   unsigned int DelOid(unsigned short oid);
 
  private:
-  unsigned int usedBytes() const;
-  bool ownsAddress(const unsigned char* address) const;
-  void releaseBlock();
-  void detach();
-  unsigned int grow(unsigned int newAllocLen);
-  unsigned int append(const void* header, unsigned int headerLen, const unsigned char* value,
-                      unsigned int len);
+  ZOT_LOCAL unsigned int usedBytes() const;
+  ZOT_LOCAL bool ownsAddress(const unsigned char* address) const;
+  ZOT_LOCAL void releaseBlock();
+  ZOT_LOCAL void detach();
+  ZOT_LOCAL unsigned int grow(unsigned int newAllocLen);
+  ZOT_LOCAL unsigned int append(const void* header, unsigned int headerLen, const unsigned char* value,
+                                unsigned int len);
   template <typename Writer>
-  unsigned int appendBeforeEndKz(Writer write);
-  unsigned char* buildUpdated(unsigned int offset, unsigned int oldLen, const unsigned char* value,
-                              unsigned short len, uint64_t imageSize);
-  void overwrite(unsigned int offset, const void* bytes, unsigned int count);
+  ZOT_LOCAL unsigned int appendBeforeEndKz(Writer write);
+  ZOT_LOCAL unsigned char* buildUpdated(unsigned int offset, unsigned int oldLen, const unsigned char* value,
+                                        unsigned short len, uint64_t imageSize);
+  ZOT_LOCAL void overwrite(unsigned int offset, const void* bytes, unsigned int count);
 
   // Order and widths are seen by the Objective-C run time of the object class.
   unsigned char* pbData;

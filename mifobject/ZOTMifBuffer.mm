@@ -1,0 +1,182 @@
+#import "mifobject/ZOTMifBuffer.h"
+
+#include <new>
+
+#include "mif/Mif32.h"
+#include "mif/MifRecord.h"
+#import "os/FoundationTextInternal.h"
+
+namespace {
+
+constexpr unsigned short kStringBufferSize = 512;
+
+// The conversions cut to the low 16 bits, negative numbers included.
+unsigned short low16(NSUInteger number) {
+  return static_cast<unsigned short>(number);
+}
+
+unsigned short oid16(int oid) {
+  return static_cast<unsigned short>(oid);
+}
+
+const unsigned char* bytesOf(NSData* data) {
+  return static_cast<const unsigned char*>([data bytes]);
+}
+
+const char* latin1(NSString* text) {
+  return zotCString(text, NSISOLatin1StringEncoding);
+}
+
+}  // namespace
+
+@implementation ZOTMifBuffer
+
+- (id)init {
+  self = [super init];
+  if (self != nil) {
+    mif32 = new (std::nothrow) Mif32();
+    if (mif32 == nullptr) {
+      [self release];
+      return nil;
+    }
+  }
+  return self;
+}
+
+- (void)dealloc {
+  delete mif32;
+  [super dealloc];
+}
+
+- (void)setData:(NSData*)data {
+  if (data != nil) {
+    mif32->SetData(bytesOf(data), low16([data length]));
+  }
+}
+
+- (void)setLen:(int)len {
+  mif32->SetLen(static_cast<unsigned short>(len));
+}
+
+- (void)allocWithLen:(int)len {
+  mif32->Alloc(static_cast<unsigned short>(len));
+}
+
+- (void)clearBuffer {
+  mif32->ClearBuffer();
+}
+
+- (void)addEndKz {
+  mif32->AddEndKz();
+}
+
+- (BOOL)delEndKz {
+  return mif32->DelEndKz() != 0;
+}
+
+- (BOOL)delFirstOccurenceOfOid:(int)oid {
+  return mif32->DelOid(oid16(oid)) != 0;
+}
+
+- (void)getDataIntoBuffer:(NSMutableData*)buffer {
+  if (buffer == nil) {
+    return;
+  }
+  // A length set by hand may claim more than the block holds.
+  NSMutableData* copy = [[NSMutableData alloc] initWithLength:mif32->GetLen()];
+  const unsigned int block = mif32->GetData() != nullptr ? mif32->GetAllocLen() : 0;
+  mifCopyBounded([copy mutableBytes], mif32->GetData(), block, 0, mif32->GetLen());
+  [buffer setData:copy];
+  [copy release];
+}
+
+- (int)getDataLen {
+  return static_cast<int>(mif32->GetLen());
+}
+
+- (void)addInt:(NSNumber*)value forOid:(int)oid {
+  if (value != nil) {
+    mif32->AddInt(oid16(oid), [value unsignedIntValue]);
+  }
+}
+
+- (void)addInt64:(NSNumber*)value forOid:(int)oid {
+  if (value != nil) {
+    mif32->AddInt64(oid16(oid), [value unsignedLongLongValue]);
+  }
+}
+
+- (void)addString:(NSString*)text forOid:(int)oid {
+  mif32->AddStr(oid16(oid), latin1(text));
+}
+
+- (void)addBin:(NSData*)data forOid:(int)oid {
+  if (data != nil) {
+    mif32->AddBin(oid16(oid), bytesOf(data), static_cast<unsigned int>([data length]));
+  }
+}
+
+- (BOOL)getInt:(NSNumber**)value forOid:(int)oid {
+  unsigned int number = 0;
+  if (mif32->GetInt(oid16(oid), &number, 1) != 1) {
+    return NO;
+  }
+  if (value != nullptr) {
+    *value = [NSNumber numberWithUnsignedInt:number];
+  }
+  return YES;
+}
+
+- (BOOL)getInt64:(NSNumber**)value forOid:(int)oid {
+  unsigned long long number = 0;
+  if (mif32->GetInt64(oid16(oid), &number, 1) != 1) {
+    return NO;
+  }
+  if (value != nullptr) {
+    *value = [NSNumber numberWithUnsignedLongLong:number];
+  }
+  return YES;
+}
+
+- (BOOL)getString:(NSMutableString*)text forOid:(int)oid {
+  char buffer[kStringBufferSize] = {};
+  if (mif32->GetStr(oid16(oid), buffer, sizeof buffer, 1) != 1) {
+    return NO;
+  }
+  [text setString:[NSString stringWithCString:buffer encoding:NSISOLatin1StringEncoding]];
+  return YES;
+}
+
+- (BOOL)getBinData:(NSMutableData*)data forOid:(int)oid {
+  unsigned int size = 0;
+  if (data == nil || mif32->GetBin(oid16(oid), nullptr, &size, 1) == 0) {
+    return NO;
+  }
+  NSMutableData* copy = [[NSMutableData alloc] initWithLength:size];
+  const BOOL read = mif32->GetBin(oid16(oid), static_cast<unsigned char*>([copy mutableBytes]), &size, 1) != 0;
+  if (read) {
+    [data setData:copy];
+  }
+  [copy release];
+  return read;
+}
+
+- (BOOL)updateInt:(NSNumber*)value forOid:(int)oid {
+  return value != nil && mif32->UpdInt(oid16(oid), [value unsignedIntValue], 1) != 0;
+}
+
+- (BOOL)updateInt64:(NSNumber*)value forOid:(int)oid {
+  return value != nil && mif32->UpdInt64(oid16(oid), [value unsignedLongLongValue], 1) != 0;
+}
+
+- (BOOL)updateString:(NSString*)text forOid:(int)oid {
+  const char* bytes = latin1(text);
+  return bytes != nullptr && mif32->UpdStr(oid16(oid), bytes, 1) != 0;
+}
+
+- (BOOL)updateBin:(NSData*)data forOid:(int)oid {
+  // Exactly 1, and the length cut here: callers rely on both.
+  return data != nil && mif32->UpdBin(oid16(oid), bytesOf(data), low16([data length]), 1) == 1;
+}
+
+@end
