@@ -23,7 +23,7 @@ constexpr uint32_t kIgnoredOpenBit = 0x10000000;
 constexpr unsigned int kStampSize = 32;
 
 // The longest message there is, with each of its percent signs doubled.
-constexpr size_t kSyslogSize = 2 * 1543;
+constexpr size_t kSyslogSize = size_t{2} * 1543;
 
 // The timestamp that all threads share.  It is stored word by word, so that a
 // reader in another thread meets bytes of two timestamps at worst.

@@ -96,7 +96,7 @@ unsigned int Mif32::GetInt64(unsigned short oid, unsigned long long* value, unsi
 int Mif32::Print() {
   std::printf("Len  : %d\nData : ", static_cast<int>(uLen));
   // Sixteen bits wide on purpose: callers know that the dump of 64 KiB never ends.
-  for (unsigned short i = 0; i < uLen; ++i) {
+  for (unsigned short i = 0; i < uLen; ++i) {  // NOLINT(bugprone-too-small-loop-variable)
     unsigned char byte = 0;
     mifCopyBounded(&byte, pbData, pbData != nullptr ? uAllocLen : 0, i, 1);
     std::printf("%02x ", byte);

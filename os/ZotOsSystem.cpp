@@ -65,7 +65,7 @@ uint32_t ZotOsGetUpTime(void) {
 int32_t ZotOsSleep(uint32_t milliseconds) {
   timeval wait{};
   if (milliseconds < 1000) {
-    wait.tv_usec = static_cast<suseconds_t>(milliseconds * 1000);
+    wait.tv_usec = static_cast<suseconds_t>(milliseconds) * 1000;
   } else {
     wait.tv_sec = static_cast<time_t>(milliseconds / 1000);
     wait.tv_usec = static_cast<suseconds_t>(milliseconds % 1000);  // not scaled; callers rely on it
