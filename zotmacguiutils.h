@@ -12,6 +12,8 @@
 #include "ipaddr/ZotIpAddr.h"
 #include "mif/Mif32.h"
 #include "mif/MifRecord.h"
+#include "multilang/ProgramTexts.h"
+#include "multilang/ZOT_MultiLanguage.h"
 #endif
 
 #ifdef __OBJC__

@@ -1,0 +1,115 @@
+// Finds the language file of the chosen language and fills tables with the texts
+// of its forms.  A registry remembers every table, so that a change of language
+// reloads them all in place.
+//
+// Language numbers: 1 German, 2 English, 3 Spanish, 4 French, 5 Italian,
+// 6 Swedish, 7 Danish, 8 Norwegian, 9 Finnish, 10 Dutch, 11 Polish.  Any other
+// number means 2, and so does a language whose file is missing.
+//
+// Texts passed in are copied.  The registry has its own lock, always taken before a
+// table's, so tables may be destroyed while another thread changes the language.
+// Path and language are not locked: set them, and load, from one thread at a time.
+// Every failure is a null or 0 result; nothing is logged and nothing throws.
+#ifndef ZOT_MULTI_LANGUAGE_H
+#define ZOT_MULTI_LANGUAGE_H
+
+#include <stdint.h>
+#include <stdio.h>
+
+#include "multilang/ProgramTexts.h"
+#include "os/ZotExport.h"
+
+struct ZotOsMutexHandle;
+struct tMlForms;
+struct tMlTexte;
+
+class ZOT_EXPORT ZOT_MultiLanguage {
+ public:
+  // No path, language 0 (served as English), empty registry.
+  ZOT_MultiLanguage();
+
+  // Tables survive and forget the loader.  None may be on its way out in another
+  // thread.
+  ~ZOT_MultiLanguage();
+
+  // Parts of the language file's path; null is ignored.  Nothing is reloaded.
+  void SetLanguageFilePath(const char* directory);
+  void SetLanguageFileName(const char* fileName);
+  void SetLanguageFileBaseName(const char* baseName);
+
+  // Chooses the language and reloads every registered table; the number that is set
+  // already does nothing.
+  void SetLanguageId(unsigned int languageNumber);
+
+  // Always 2.
+  unsigned int GetOsLanguage();
+
+  // The language file's full path: the directory, then the file name as it was set,
+  // or else the base name with the language's extension (".de", ".en", ".es", ".fr",
+  // ".it", ".se", ".dk", ".no", ".fi", ".nl", ".pl"), or else a default name
+  // ("deutsch.dat", "english.dat", "spain.dat", "french.dat", "italian.dat",
+  // "swedish.dat", "danish.dat", "norweg.dat", "finnish.dat", "dutch.dat",
+  // "polnisch.dat").  Where that file is missing, English takes its place unseen.
+  //
+  // The path is built on the first call after a setter and then handed out again,
+  // whatever number is passed; callers rely on that.  It stays the loader's own until
+  // the next call after a setter.  Null when memory runs out.
+  const char* buildFilePathName(unsigned int languageNumber);
+
+  // The language file, open at the first text record of a form, for the caller to
+  // close; *formRecord (96 bytes) gets the form's record.  Null when formRecord is null
+  // or the file or the form in it is missing or damaged.
+  FILE* openFormId(unsigned int formNumber, tMlForms* formRecord);
+
+  // Reads the text record (268 bytes) at the file's position and terminates its text.
+  // Returns 1; 0 on damage or at the end of the file, and textRecord is unchanged.
+  int readElementText(FILE* file, tMlTexte* textRecord);
+
+  // Turns a text with a length byte in front into a terminated one in place, cut to
+  // size - 1 characters.
+  void convertDelphiString(char* buffer, unsigned int size);
+
+  // Loads the texts of a form, with onlyElement those of one element only.
+  //
+  //   table  null for a new table, which is registered and belongs to the caller;
+  //          or one to be emptied and filled again under its lock
+  //
+  // Returns the table.  Null when the file or form is missing (an existing table is
+  // unchanged) or the load broke off (it keeps the texts read so far).
+  ProgramTexts* loadProgramTexts(unsigned int form, unsigned int element, signed char onlyElement,
+                                 ProgramTexts* table);
+
+  // Loads every registered table again; 1 when all came back whole, else 0.
+  uint32_t RefreshAllRegisteredChildren();
+
+  // Registers a table without looking whether it is there already; null is refused
+  // with 0.  Also 0 when memory runs out: the registry is then lost and empty, and
+  // the tables that were in it have forgotten the loader.
+  uint32_t ptListAdd(ProgramTexts* table);
+
+  // Makes every table forget the loader and empties the registry.
+  void ptListClear();
+
+  // Takes a table out of the registry; a table's destructor calls this.
+  void unregisterChild(ProgramTexts* table);
+
+  // A new stand-in table, unregistered, which belongs to the caller.
+  DummyProgramTexts* GetDummyProgramTexts();
+
+ private:
+  ZOT_MultiLanguage(const ZOT_MultiLanguage&) = delete;
+  ZOT_MultiLanguage& operator=(const ZOT_MultiLanguage&) = delete;
+
+  uint32_t languageId;
+  char* directory;
+  char* fileName;
+  char* baseName;
+  char* fullPath;
+  char rebuildPath;
+  ProgramTexts** registry;
+  ZotOsMutexHandle* registryMutex;
+  uint32_t registryCapacity;
+  int32_t registryCount;
+};
+
+#endif
