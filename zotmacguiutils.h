@@ -2,12 +2,6 @@
 #ifndef ZOTMACGUIUTILS_H
 #define ZOTMACGUIUTILS_H
 
-#include "ipaddr/zot_inet.h"
-#include "log/ZotLog.h"
-#include "mifobject/PasswordScrambling.h"
-#include "os/ZotOs.h"
-#include "os/zot_string.h"
-
 #ifdef __cplusplus
 #include "ipaddr/ZotIpAddr.h"
 #include "mif/Mif32.h"
@@ -15,6 +9,12 @@
 #include "multilang/ProgramTexts.h"
 #include "multilang/ZOT_MultiLanguage.h"
 #endif
+#include "ipaddr/zot_inet.h"
+#include "log/ZotLog.h"
+#include "mif/zotmif.h"
+#include "mifobject/PasswordScrambling.h"
+#include "os/ZotOs.h"
+#include "os/zot_string.h"
 
 #ifdef __OBJC__
 #include "mifobject/ZOTMifBuffer.h"

@@ -88,6 +88,11 @@ class ZOT_EXPORT Mif32 {
   // The low 32 bits of time, in host order.
   unsigned int AddTime(unsigned short oid, long time);
 
+  // The address in network order: always the four bytes of the IPv4 view (zeros
+  // when there is none), or 4, 16 or no bytes as the family has them.
+  unsigned int AddIpAddrV4(unsigned short oid, ZotIpAddr* addr);
+  unsigned int AddIpAddr(unsigned short oid, ZotIpAddr* addr);
+
   // Appends the end marker: 1 when it stands there already, 0 when one stands
   // between the records.
   unsigned int AddEndKz();

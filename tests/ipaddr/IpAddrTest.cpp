@@ -5,13 +5,17 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <memory>
 #include <string>
 #include <tuple>
 #include <typeinfo>
+#include <utility>
 #include <vector>
+
+#include "support/FailingHeap.h"
 
 namespace {
 
@@ -22,12 +26,6 @@ Bytes octets(const ZotIpAddr& addr, unsigned long count = 16) {
   for (unsigned long i = 0; i < count; ++i) {
     bytes.push_back(addr[i]);
   }
-  return bytes;
-}
-
-Bytes bytesOf(unsigned int word) {
-  Bytes bytes(sizeof word);
-  std::memcpy(bytes.data(), &word, sizeof word);
   return bytes;
 }
 
@@ -47,27 +45,28 @@ TEST(IpAddr, AnswersForEveryKindOfAddress) {
   const struct {
     const char* text;
     int family;
-    std::vector<unsigned int> flags;  // configured, local host, mapped
-    Bytes v4;
+    unsigned int flags;  // decimal digits: configured, local host, mapped
+    const char* v4;
   } cases[] = {
-      {"", 0, {0, 0, 0}, {0, 0, 0, 0}},
-      {"0.0.0.0", AF_INET, {0, 0, 0}, {0, 0, 0, 0}},
-      {"0.0.0.1", AF_INET, {1, 0, 0}, {0, 0, 0, 1}},
-      {"127.0.0.1", AF_INET, {1, 1, 0}, {127, 0, 0, 1}},
-      {"127.0.0.2", AF_INET, {1, 0, 0}, {127, 0, 0, 2}},
-      {"::", AF_INET6, {0, 0, 0}, {0, 0, 0, 0}},
-      {"::1", AF_INET6, {1, 1, 0}, {0, 0, 0, 0}},
-      {"8000::", AF_INET6, {1, 0, 0}, {0, 0, 0, 0}},
-      {"::ffff:127.0.0.1", AF_INET6, {1, 0, 1}, {127, 0, 0, 1}},
-      {"::ffff:0.0.0.0", AF_INET6, {1, 0, 1}, {0, 0, 0, 0}},
-      {"1::ffff:1.2.3.4", AF_INET6, {1, 0, 0}, {0, 0, 0, 0}},
-      {"::1.2.3.4", AF_INET6, {1, 0, 0}, {0, 0, 0, 0}},
+      {"", 0, 0, "0.0.0.0"},
+      {"0.0.0.0", AF_INET, 0, "0.0.0.0"},
+      {"0.0.0.1", AF_INET, 100, "0.0.0.1"},
+      {"127.0.0.1", AF_INET, 110, "127.0.0.1"},
+      {"127.0.0.2", AF_INET, 100, "127.0.0.2"},
+      {"::", AF_INET6, 0, "0.0.0.0"},
+      {"::1", AF_INET6, 110, "0.0.0.0"},
+      {"8000::", AF_INET6, 100, "0.0.0.0"},
+      {"::ffff:127.0.0.1", AF_INET6, 101, "127.0.0.1"},
+      {"::ffff:0.0.0.0", AF_INET6, 101, "0.0.0.0"},
+      {"1::ffff:1.2.3.4", AF_INET6, 100, "0.0.0.0"},
+      {"::1.2.3.4", AF_INET6, 100, "0.0.0.0"},
   };
   for (const auto& c : cases) {
     const ZotIpAddr addr(c.text);
     EXPECT_EQ(c.family, addr.GetAF()) << c.text;
-    EXPECT_EQ(c.flags, std::vector({addr.IsConfigured(), addr.IsLocalHost(), addr.IsV4Mapped()})) << c.text;
-    EXPECT_EQ(c.v4, bytesOf(addr.GetIpV4Addr())) << c.text;
+    const unsigned int flags = addr.IsConfigured() * 100 + addr.IsLocalHost() * 10 + addr.IsV4Mapped();
+    EXPECT_EQ(c.flags, flags) << c.text;
+    EXPECT_STREQ(c.v4, ZotIpAddr(addr.GetIpV4Addr()).GetStr()) << c.text;
   }
 }
 
@@ -86,12 +85,9 @@ TEST(IpAddr, ComparesAcrossTheFamilies) {
       "..>.>>=.",  // fe80::1
       ".......o",  // six bytes, which are no family's
   };
-  const std::map<char, std::string> results = {// of ==, !=, <, >, <=, >=
-                                               {'=', "100011"},
-                                               {'<', "011010"},
-                                               {'>', "010101"},
-                                               {'o', "000011"},
-                                               {'.', "000000"}};
+  // Of ==, !=, <, >, <=, >=.
+  const std::map<char, std::string> results = {
+      {'=', "100011"}, {'<', "011010"}, {'>', "010101"}, {'o', "000011"}, {'.', "000000"}};
   for (size_t row = 0; row < std::size(values); ++row) {
     for (size_t column = 0; column < std::size(values); ++column) {
       const auto& [a, b] = std::tie(values[row], values[column]);
@@ -124,35 +120,36 @@ TEST(IpAddr, ConvertsBetweenTheFamilies) {
 
 TEST(IpAddr, NeverHoldsMoreThanSixteenBytes) {
   const auto full = std::make_unique<unsigned char[]>(16);
-  std::memset(full.get(), 0xEE, 16);
+  std::fill_n(full.get(), 16, static_cast<unsigned char>(0xEE));
   const ZotIpAddr huge(full.get(), 0xFFFFFFFF);
   ZotIpAddr copy(huge);
   copy = huge;
   EXPECT_EQ(Bytes(16, 0xEE), octets(copy));
-  EXPECT_EQ(Bytes(4, 0), Bytes({copy[16], copy[17], copy[64], copy[1UL << 31]}));
+  EXPECT_EQ(Bytes(3, 0), Bytes({copy[16], copy[17], copy[1UL << 31]}));
   EXPECT_EQ(0, copy.GetAF());
   EXPECT_EQ(0u, copy.IsConfigured());
   EXPECT_EQ(1u, copy <= huge);
-  EXPECT_EQ(0u, copy == huge);
-  const ZotIpAddr v6(full.get(), 16);
-  EXPECT_EQ(0xEE, v6[15]);
-  EXPECT_EQ(0, v6[16]);
-  const ZotIpAddr v4("1.2.3.4");
-  EXPECT_EQ(Bytes({1, 2, 3, 4, 0, 0}), octets(v4, 6));
+  EXPECT_EQ(0, ZotIpAddr(full.get(), 16)[16]);
+  EXPECT_EQ(Bytes({1, 2, 3, 4, 0, 0}), octets("1.2.3.4", 6));
 }
 
 TEST(IpAddr, CopiesTheAddressAndNotTheText) {
   ZotIpAddr a("10.0.0.1");
   const char* aText = a.GetStr();
   ZotIpAddr b(a);
+  {
+    const FailingHeap heap;
+    EXPECT_STREQ("", b.GetStr());
+    EXPECT_EQ(aText, a.GetStr());
+  }
+  EXPECT_STREQ("10.0.0.1", b.GetStr());
   EXPECT_NE(aText, b.GetStr());
   b = "::1";
   a = b;
   EXPECT_STREQ("10.0.0.1", aText) << "assignment prints nothing";
   EXPECT_EQ(aText, a.GetStr());
   EXPECT_STREQ("::1", aText);
-  const ZotIpAddr& alias = a;
-  a = alias;
+  a = std::as_const(a);
   EXPECT_STREQ("::1", a.GetStr());
   a.Clear();
   EXPECT_EQ(aText, a.GetStr());
@@ -172,9 +169,10 @@ TEST(IpAddr, ReadsAndPrintsText) {
   EXPECT_EQ(0u, addr.SetIpV4Addr("::1"));
   EXPECT_EQ(0u, addr.SetIpAddr(nullptr));
   EXPECT_EQ(1u, addr.SetIpV6Addr("fe80::1"));
-  EXPECT_EQ(AF_INET6, addr.GetAF());
   EXPECT_EQ(1u, addr.SetIpV4Addr("1.2.3.4"));
-  EXPECT_EQ(Bytes({1, 2, 3, 4, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}), octets(addr));
+  addr.ConvertV4ToIpV6();
+  EXPECT_EQ(1u, addr.IsV4Mapped()) << "nothing is left of the address before";
+  addr.ConvertV6ToIpV4();
   char buf[64] = "old";
   EXPECT_EQ(0u, addr.GetStr(buf, 6));
   EXPECT_STREQ("", buf);
@@ -193,7 +191,7 @@ TEST(IpAddr, TakesRecordValuesWithTheirTwoKindsOfResult) {
     ZotIpAddr addr("9.9.9.9");
     EXPECT_EQ(fits ? 1u : 0u, addr.SetIpAddrFromData(value, len));
     EXPECT_EQ(fits ? read : "", text(addr));
-    addr.SetLocalHostV6();
+    addr = "9.9.9.9";
     EXPECT_EQ(fits ? 1u : 0u, addr.SetIpAddrFromMif(value, len));
     EXPECT_EQ(fits ? read : "", text(addr));
     EXPECT_EQ(fits ? 0u : 1u, addr.SetIpAddrFromMifV4(value, len));
@@ -241,11 +239,9 @@ TEST(IpAddr, SetsItsNamedHostsAndWords) {
   EXPECT_EQ("::1", text(addr));
   addr.SetAnyHostV6();
   EXPECT_EQ("::", text(addr));
-  addr = htonl(0x0A010203);
-  EXPECT_EQ("10.1.2.3", text(addr));
   addr.SetLocalHostV4();
   EXPECT_EQ("127.0.0.1", text(addr));
-  EXPECT_EQ("172.16.0.9", text(ZotIpAddr(htonl(0xAC100009))));
+  EXPECT_EQ("10.1.2.3", text(addr = htonl(0x0A010203)));
 }
 
 }  // namespace

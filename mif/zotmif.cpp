@@ -1,0 +1,163 @@
+#include "mif/zotmif.h"
+
+#include <cstddef>
+#include <cstring>
+#include <optional>
+
+#include "ipaddr/ZotIpAddr.h"
+#include "mif/MifRecord.h"
+
+namespace {
+
+constexpr size_t kMaxAddressSize = 16;
+
+std::optional<MifRecord> find(const unsigned char* buf, uint32_t len, unsigned short oid,
+                              uint32_t occurrence) {
+  if (buf == nullptr) {
+    return std::nullopt;
+  }
+  uint32_t count = 0;
+  for (const MifRecord& record : MifRecords(buf, len)) {
+    if (record.oid == oid && ++count == occurrence) {
+      return record;
+    }
+  }
+  return std::nullopt;
+}
+
+// Whether count bytes from the value on are in the buffer, whatever its length says.
+bool hasBytes(const MifRecord& record, uint32_t len, uint32_t count) {
+  return len - record.valueOffset() >= count;
+}
+
+// An address value as the setters of ZotIpAddr take it; bytes beyond the buffer are 0.
+struct AddressValue {
+  AddressValue(const unsigned char* buf, uint32_t len, const MifRecord& record) : length(record.length) {
+    mifCopyBounded(bytes, buf, len, record.valueOffset(), sizeof bytes);
+  }
+  unsigned char bytes[kMaxAddressSize];
+  unsigned int length;
+};
+
+bool nothingToSearch(const unsigned char* buf, uint32_t len, uint32_t occurrence) {
+  return buf == nullptr || len == 0 || occurrence == 0;
+}
+
+}  // namespace
+
+uint32_t zotmifGetInt(const unsigned char* buf, uint32_t len, unsigned short oid, uint32_t* value,
+                      uint32_t occurrence) {
+  const auto record = find(buf, len, oid, occurrence);
+  if (!record || !hasBytes(*record, len, sizeof *value)) {
+    return 0;
+  }
+  if (value != nullptr) {
+    *value = mifLoad<uint32_t>(record->value);
+  }
+  return 1;
+}
+
+uint32_t zotmifGetInt64(const unsigned char* buf, uint32_t len, unsigned short oid, unsigned long long* value,
+                        uint32_t occurrence) {
+  const auto record = find(buf, len, oid, occurrence);
+  if (!record) {
+    return 0;
+  }
+  const bool whole = record->length == sizeof *value && record->complete();
+  const uint32_t count = whole ? sizeof *value : sizeof(uint32_t);
+  const bool readable = hasBytes(*record, len, count);
+  if (value != nullptr) {
+    *value = 0;
+    std::memcpy(value, record->value, readable ? count : 0);
+  }
+  return readable;
+}
+
+uint32_t zotmifGetStr(const unsigned char* buf, uint32_t len, unsigned short oid, char* dst, uint32_t dstSize,
+                      uint32_t occurrence) {
+  const auto record = find(buf, len, oid, occurrence);
+  if (!record || dstSize <= record->length || !record->complete()) {
+    return 0;
+  }
+  if (dst != nullptr) {
+    std::memcpy(dst, record->value, record->length);
+    dst[record->length] = '\0';
+  }
+  return 1;
+}
+
+uint32_t zotmifGetBinData(const unsigned char* buf, uint32_t len, unsigned short oid, unsigned char* dst,
+                          uint32_t* dstLen, uint32_t occurrence) {
+  if (dstLen == nullptr) {
+    return 0;
+  }
+  const auto record = find(buf, len, oid, occurrence);
+  if (!record) {
+    return 0;
+  }
+  if (record->length > *dstLen) {
+    *dstLen = 0;
+    return 0;
+  }
+  if (!record->complete()) {
+    return 0;
+  }
+  if (dst != nullptr) {
+    std::memcpy(dst, record->value, record->length);
+  }
+  *dstLen = record->length;
+  return 1;
+}
+
+uint32_t zotmifGetBinDataPtr(const unsigned char* buf, uint32_t len, unsigned short oid,
+                             const unsigned char** value, uint32_t* valueLen, uint32_t occurrence) {
+  const auto record = find(buf, len, oid, occurrence);
+  if (!record || !record->complete()) {
+    return 0;
+  }
+  if (value != nullptr) {
+    *value = record->value;
+  }
+  if (valueLen != nullptr) {
+    *valueLen = record->length;
+  }
+  return 1;
+}
+
+uint32_t zotmifGetIpAddrV4(const unsigned char* buf, uint32_t len, unsigned short oid, ZotIpAddr* addr,
+                           uint32_t occurrence) {
+  if (nothingToSearch(buf, len, occurrence)) {
+    return 0;
+  }
+  const auto record = find(buf, len, oid, occurrence);
+  if (!record) {
+    addr->SetAnyHostV4();
+    return 0;
+  }
+  const AddressValue value(buf, len, *record);
+  return addr->SetIpAddrFromMifV4(value.bytes, value.length);
+}
+
+uint32_t zotmifGetIpAddr(const unsigned char* buf, uint32_t len, unsigned short oid, ZotIpAddr* addr,
+                         uint32_t occurrence) {
+  if (nothingToSearch(buf, len, occurrence)) {
+    return 0;
+  }
+  const auto record = find(buf, len, oid, occurrence);
+  if (!record) {
+    addr->Clear();
+    return 0;
+  }
+  const AddressValue value(buf, len, *record);
+  return addr->SetIpAddrFromMif(value.bytes, value.length);
+}
+
+uint32_t zotmifUpdInt(unsigned char* buf, uint32_t len, unsigned short oid, uint32_t value,
+                      uint32_t occurrence) {
+  const auto record = find(buf, len, oid, occurrence);
+  if (!record || record->length != sizeof value || !record->complete()) {
+    return 0;
+  }
+  mifStore(buf + static_cast<size_t>(record->valueOffset()), value);
+  return 1;
+}
