@@ -1,0 +1,129 @@
+// A front end and a service exchange one settings message and its answer.
+#include <getopt.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include "FrontEnd.h"
+#include "Service.h"
+#include "Settings.h"
+#include "os/ZotOsFile.h"
+
+namespace {
+
+constexpr int kUsageStatus = 2;
+constexpr int kCrashStatus = 3;
+
+constexpr char kUsage[] =
+    "usage: exchange [--damage N] [NAME=VALUE ...]\n"
+    "\n"
+    "Sends settings to a service in another process and shows both messages.\n"
+    "Without a NAME=VALUE the settings come from the settings.txt beside the program.\n"
+    "\n"
+    "  --damage N  on the way, invert the byte at offset N; below 0: cut -N bytes off the end\n"
+    "\n"
+    "Settings: interval (s), quota (bytes), profile (text), fingerprint (hex bytes), token (text).\n";
+
+struct Options {
+  std::optional<long> damage;
+  std::vector<Setting> settings;
+};
+
+std::optional<long> parseDamage(const char* text) {
+  char* end = nullptr;
+  errno = 0;
+  const long number = std::strtol(text, &end, 10);
+  return end != text && *end == '\0' && errno == 0 ? std::optional(number) : std::nullopt;
+}
+
+std::optional<std::vector<Setting>> shippedSettings(std::string* error) {
+  char directory[1024];
+  uint32_t failure = 0;
+  if (ZotOsGetModulePath(directory, sizeof directory, &failure) == 0) {
+    *error = std::string("own directory: ") + std::strerror(static_cast<int>(failure));
+    return std::nullopt;
+  }
+  return readSettings(std::string(directory) + "/settings.txt", error);
+}
+
+std::optional<std::vector<Setting>> gatherSettings(char** first, char** last, std::string* error) {
+  if (first == last) {
+    return shippedSettings(error);
+  }
+  std::vector<Setting> settings;
+  for (; first != last; ++first) {
+    const std::optional<Setting> setting = parseSetting(*first, error);
+    if (!setting) {
+      return std::nullopt;
+    }
+    settings.push_back(*setting);
+  }
+  return settings;
+}
+
+// Ends the program when there is nothing to run.
+Options parseCommandLine(int argc, char** argv) {
+  const option longOptions[] = {
+      {"damage", required_argument, nullptr, 'd'}, {"help", no_argument, nullptr, 'h'}, {}};
+  Options options;
+  for (int found; (found = getopt_long(argc, argv, "", longOptions, nullptr)) != -1;) {
+    if (found == 'h') {
+      std::fputs(kUsage, stdout);
+      std::exit(EXIT_SUCCESS);
+    }
+    options.damage = found == 'd' ? parseDamage(optarg) : std::nullopt;
+    if (!options.damage) {
+      std::fputs(kUsage, stderr);
+      std::exit(kUsageStatus);
+    }
+  }
+  std::string error;
+  std::optional<std::vector<Setting>> settings = gatherSettings(argv + optind, argv + argc, &error);
+  if (!settings) {
+    std::fprintf(stderr, "exchange: %s\n\n%s", error.c_str(), kUsage);
+    std::exit(kUsageStatus);
+  }
+  options.settings = std::move(*settings);
+  return options;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const Options options = parseCommandLine(argc, argv);
+  int ends[2];
+  if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0) {
+    std::perror("exchange: socketpair");
+    return EXIT_FAILURE;
+  }
+  const pid_t service = fork();
+  if (service < 0) {
+    std::perror("exchange: fork");
+    return EXIT_FAILURE;
+  }
+  if (service == 0) {
+    close(ends[0]);
+    Channel frontEnd(ends[1]);
+    return runService(frontEnd);
+  }
+  close(ends[1]);
+  int status = EXIT_FAILURE;
+  {
+    Channel toService(ends[0]);
+    status = runFrontEnd(toService, options.settings, options.damage);
+  }
+  int serviceStatus = 0;
+  waitpid(service, &serviceStatus, 0);
+  if (WIFSIGNALED(serviceStatus)) {
+    std::fprintf(stderr, "exchange: signal %d ended the service\n", WTERMSIG(serviceStatus));
+    return kCrashStatus;
+  }
+  return status != EXIT_SUCCESS ? status : WEXITSTATUS(serviceStatus);
+}

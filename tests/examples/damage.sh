@@ -1,0 +1,22 @@
+#!/bin/sh
+# damage.sh EXCHANGE: every inverted byte and every cut of the shipped message ends
+# in a message on standard error and status 1.
+set -eu
+
+exchange=$1
+errors=$(mktemp)
+trap 'rm -f "$errors"' EXIT
+length=$("$exchange" | sed -n 's/^front end: the settings (\([0-9]*\) bytes)$/\1/p')
+[ "$length" -gt 60 ]
+
+damage=$((-length))
+while [ "$damage" -lt "$length" ]; do
+  status=0
+  "$exchange" --damage "$damage" >/dev/null 2>"$errors" || status=$?
+  if [ "$status" -ne 1 ] || ! grep -q '^service: the message is damaged: ' "$errors"; then
+    echo "--damage $damage: status $status"
+    cat "$errors"
+    exit 1
+  fi
+  damage=$((damage + 1))
+done
