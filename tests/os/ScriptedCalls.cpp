@@ -5,7 +5,6 @@
 #include <utime.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
 
 namespace zot_test {
@@ -14,23 +13,6 @@ ScriptedCalls scripted;
 int flagsAtLastWrite = -1;
 
 namespace {
-
-int next(std::deque<int>& script) {
-  if (script.empty()) {
-    return 0;
-  }
-  const int entry = script.front();
-  script.pop_front();
-  return entry;
-}
-
-// Returns true, with errno set, when the script wants a failure.
-bool fails(int entry) {
-  if (entry > 0) {
-    errno = entry;
-  }
-  return entry > 0;
-}
 
 size_t allowed(int entry, size_t count) {
   return entry < 0 ? std::min(count, static_cast<size_t>(-entry)) : count;

@@ -3,15 +3,14 @@
 #ifndef ZOT_TESTS_SCRIPTED_CALLS_H
 #define ZOT_TESTS_SCRIPTED_CALLS_H
 
-#include <deque>
+#include "support/CallScript.h"
 
 namespace zot_test {
 
-// What the next calls of each function do, first to last; without an entry, or
-// with 0, the real function runs.  A positive entry is the errno of a failure, a
-// negative one the number of bytes that read and write move at most.
+// The script of each function.  A negative entry is the number of bytes that read
+// and write move at most.
 struct ScriptedCalls {
-  std::deque<int> close = {}, fchmod = {}, fchown = {}, read = {}, utime = {}, write = {};
+  CallScript close = {}, fchmod = {}, fchown = {}, read = {}, utime = {}, write = {};
 };
 extern ScriptedCalls scripted;
 

@@ -1,0 +1,42 @@
+// What the tests of events, mutexes and semaphores share: failures of pthread and
+// semaphore calls on demand, and log lines with the numbers of this run.
+#ifndef TESTS_SYNC_CALLS_H
+#define TESTS_SYNC_CALLS_H
+
+#include <atomic>
+#include <ctime>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "support/CallScript.h"
+
+namespace zot_test {
+
+// The linker leads the test program's calls of these functions to their scripts.
+// A pthread call returns its entry; a negative one makes pthread_cond_wait return
+// at once, as the system may at any time.  semctl counts SETVAL and IPC_RMID only.
+struct SyncCalls {
+  CallScript pthread_cond_destroy = {}, pthread_cond_init = {}, pthread_cond_timedwait = {},
+             pthread_cond_wait = {}, pthread_mutex_destroy = {}, pthread_mutex_init = {},
+             pthread_mutex_lock = {}, pthread_mutexattr_init = {}, pthread_mutexattr_settype = {},
+             semctl = {}, semget = {}, semop = {};
+};
+extern SyncCalls syncCalls;
+
+// Threads that have entered pthread_cond_wait, each counted under its lock: who
+// takes that lock afterwards knows that they wait.
+extern std::atomic<int> condWaits;
+
+extern timespec lastDeadline;  // of pthread_cond_timedwait
+
+// Replaces each word of `values` in the lines, and IDS by the numbers of this
+// process and of its first thread, which on Linux are one.
+std::vector<std::string> filled(std::vector<std::string> lines,
+                                std::map<std::string, std::string> values = {});
+
+std::string addressText(const void* address);
+
+}  // namespace zot_test
+
+#endif
