@@ -18,6 +18,7 @@
 
 #ifdef __OBJC__
 #include "mifobject/ZOTMifBuffer.h"
+#include "multilang/ZOTMultiLang.h"
 #endif
 
 #endif
