@@ -6,12 +6,12 @@
 
 namespace {
 
-constexpr uint8_t marker = 0xFE;
-constexpr unsigned escapeOffset = 0x20;
+constexpr uint8_t kMarker = 0xFE;
+constexpr unsigned kEscapeOffset = 0x20;
 
-constexpr auto keyText = std::to_array("Hollow Reed Tanners.");
-constexpr unsigned keyLength = keyText.size() - 1;
-static_assert(keyLength == 20);
+constexpr auto kKeyText = std::to_array("Hollow Reed Tanners.");
+constexpr unsigned kKeyLength = kKeyText.size() - 1;
+static_assert(kKeyLength == 20);
 
 // DeCryptPasw_20's own key, measured on each call like any text.
 char pswkey[] = "Hollow Reed Tanners.";
@@ -34,10 +34,10 @@ char* put(char* out, unsigned byte) {
 // out as a bare byte and the marker's own escape is never met; stored records
 // depend on it.
 char* putResult(char* out, uint16_t result) {
-  if (result < escapeOffset) {
-    return put(put(out, marker), result + escapeOffset);
+  if (result < kEscapeOffset) {
+    return put(put(out, kMarker), result + kEscapeOffset);
   }
-  return result == marker ? put(put(out, marker), marker) : put(out, result & 0xFFu);
+  return result == kMarker ? put(put(out, kMarker), kMarker) : put(out, result & 0xFFu);
 }
 
 // keyAt gives the key character of an input position; 0 passes a byte through.
@@ -59,9 +59,9 @@ uint16_t unescape(uint8_t* output, const uint8_t* input, uint16_t capacity) {
   uint16_t out = 0;
   while (out < capacity && in < count) {
     uint8_t byte = input[in++];
-    if (byte == marker) {
+    if (byte == kMarker) {
       const uint8_t code = input[in++];
-      byte = code == marker ? marker : static_cast<uint8_t>(code - escapeOffset);
+      byte = code == kMarker ? kMarker : static_cast<uint8_t>(code - kEscapeOffset);
     }
     output[out++] = byte;
   }
@@ -75,7 +75,7 @@ void applyKey(uint8_t& byte, char key) {
 }  // namespace
 
 unsigned short EncryptPasw(char* input, char* output) {
-  return scramble(input, output, [](unsigned at) { return keyText[at % keyLength]; });
+  return scramble(input, output, [](unsigned at) { return kKeyText[at % kKeyLength]; });
 }
 
 unsigned short DeCryptPasw(unsigned char* output, unsigned char* input, unsigned short capacity) {
@@ -84,15 +84,15 @@ unsigned short DeCryptPasw(unsigned char* output, unsigned char* input, unsigned
     return 0;
   }
   for (unsigned at = 0; at < count; ++at) {
-    applyKey(output[at], keyText[at % keyLength]);
+    applyKey(output[at], kKeyText[at % kKeyLength]);
   }
   return count;
 }
 
 void EncryptPasw_20(char* input, char* output) {
   scramble(input, output, [](unsigned at) {
-    const unsigned keyAt = at % keyLength;
-    return keyAt == keyLength - 1 ? '\0' : keyText[keyAt];
+    const unsigned keyAt = at % kKeyLength;
+    return keyAt == kKeyLength - 1 ? '\0' : kKeyText[keyAt];
   });
 }
 

@@ -4,7 +4,7 @@
 
 #include "mif/Mif32.h"
 #include "mif/MifRecord.h"
-#import "os/FoundationTextInternal.h"
+#import "mifobject/ZOTMifBufferInternal.h"
 
 namespace {
 
@@ -15,16 +15,8 @@ unsigned short low16(NSUInteger number) {
   return static_cast<unsigned short>(number);
 }
 
-unsigned short oid16(int oid) {
-  return static_cast<unsigned short>(oid);
-}
-
 const unsigned char* bytesOf(NSData* data) {
   return static_cast<const unsigned char*>([data bytes]);
-}
-
-const char* latin1(NSString* text) {
-  return zotCString(text, NSISOLatin1StringEncoding);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include "mif/Mif32.h"
 #include "tests/mif/MifBytes.h"
+#include "tests/mifobject/ObjectFixture.h"
 
 namespace {
 
@@ -18,27 +19,14 @@ NSData* data(const std::string& bytes) {
   return [NSData dataWithBytes:bytes.data() length:bytes.size()];
 }
 
-class MifBuffer : public testing::Test {
+class MifBuffer : public ObjectFixture {
  protected:
-  void SetUp() override {
-    pool = [[NSAutoreleasePool alloc] init];
-    buffer = [[ZOTMifBuffer alloc] init];
-  }
-
-  void TearDown() override {
-    [buffer release];
-    [pool release];
-  }
-
   std::string contents() {
     NSMutableData* all = [NSMutableData dataWithBytes:"old" length:3];
     [buffer getDataIntoBuffer:all];
     EXPECT_EQ([buffer getDataLen], static_cast<int>([all length]));
     return std::string(static_cast<const char*>([all bytes]), [all length]);
   }
-
-  NSAutoreleasePool* pool;
-  ZOTMifBuffer* buffer;
 };
 
 TEST_F(MifBuffer, IsOneRecordBufferToTheRunTime) {

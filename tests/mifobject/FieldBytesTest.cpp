@@ -1,0 +1,53 @@
+#include "mifobject/FieldBytesInternal.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <string>
+
+namespace {
+
+TEST(FieldByte, IsTheOneAtTheLowestAddress) {
+  const bool little = std::endian::native == std::endian::little;
+  EXPECT_EQ(little ? 44 : 0, zot::fieldByte(int32_t{300}));
+  EXPECT_EQ(255, zot::fieldByte(int32_t{-1}));
+  EXPECT_EQ(little ? 0x78 : 0x12, zot::fieldByte(int32_t{0x12345678}));
+  EXPECT_EQ(little ? 0x34 : 0x12, zot::fieldByte(uint16_t{0x1234}));
+}
+
+TEST(LooseIpV4, ReadsWhatStandsThere) {
+  const struct {
+    const char* text;
+    int32_t numbers[4];
+  } cases[] = {
+      {"10.1.2.255", {10, 1, 2, 255}},
+      {"1.2", {1, 2, 0, 0}},
+      {"", {0, 0, 0, 0}},
+      {"1..3.", {1, 0, 3, 0}},
+      {"1.2.3.4.56789", {1, 2, 3, 4}},
+      {" 7.-1.+9.8x", {7, -1, 9, 8}},
+      {"x1.300.0x9.007", {0, 300, 0, 7}},
+      // A longer field runs on into the next one's room.
+      {"1234.5.6.7", {12345, 5, 6, 7}},
+      {"12345678.9", {12349678, 9678, 0, 0}},
+      {"1.2.3456.7", {1, 2, 34567, 7}},
+      {"1.2.3456789", {1, 2, 3456789, 789}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    const auto value = zot::looseIpV4(c.text);
+    ASSERT_TRUE(value);
+    for (size_t i = 0; i < 4; ++i) {
+      EXPECT_EQ(zot::fieldByte(c.numbers[i]), (*value)[3 - i]) << i;
+    }
+  }
+}
+
+TEST(LooseIpV4, RefusesWhatRunsPastTheFourthField) {
+  for (const char* text : {"1.2.3.456", "1.2.3456789", "1.23456789abc", "123456789012345"}) {
+    EXPECT_TRUE(zot::looseIpV4(text)) << text;
+    EXPECT_FALSE(zot::looseIpV4((text + std::string("x")).c_str())) << text;
+  }
+}
+
+}  // namespace
