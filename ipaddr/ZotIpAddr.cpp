@@ -37,14 +37,13 @@ struct Octets {
   unsigned int len;
 };
 
-// Below 0, 0 or above 0 as a stands to b; nothing when the two do not compare.
+// Below 0, 0 or above 0 as a stands to b; nothing when the two do not compare.  The
+// views also decide between two mapped addresses, whose other bytes are the same.
 std::optional<int> compare(const Octets& a, const Octets& b) {
-  if (a.len == kIp4Len || b.len == kIp4Len) {
-    const unsigned char* aView = a.v4View();
-    const unsigned char* bView = b.v4View();
-    if (aView != nullptr && bView != nullptr) {
-      return std::memcmp(aView, bView, kIp4Len);
-    }
+  const unsigned char* aView = a.v4View();
+  const unsigned char* bView = b.v4View();
+  if (aView != nullptr && bView != nullptr) {
+    return std::memcmp(aView, bView, kIp4Len);
   }
   if (a.len == 0 || a.len != b.len) {
     return std::nullopt;

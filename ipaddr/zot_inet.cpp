@@ -155,37 +155,37 @@ int zot_inet_pton6(const char* text, unsigned char* dst) {
   }
   Ip6Scratch scratch;
   std::optional<size_t> gap;
-  std::optional<unsigned int> group;
+  unsigned int group = 0;
+  bool inGroup = false;
   const char* token = text;
   for (; *text != '\0'; ++text) {
     if (const auto digit = hexDigit(*text)) {
-      group = group.value_or(0) * 16 + *digit;
-      if (*group > 0xFFFF) {
+      group = group * 16 + *digit;
+      inGroup = true;
+      if (group > 0xFFFF) {
         return 0;
       }
     } else if (*text == ':') {
       token = text + 1;
-      if (group && !scratch.addGroup(*group)) {
+      if (inGroup ? !scratch.addGroup(group) : gap.has_value()) {
         return 0;
       }
-      if (!group && gap) {
-        return 0;
-      }
-      if (!group) {
+      if (!inGroup) {
         gap = scratch.used;
       }
-      group.reset();
+      group = 0;
+      inGroup = false;
     } else if (*text == '.') {
       if (!scratch.addQuad(token)) {
         return 0;
       }
-      group.reset();  // these digits were the first number of the quad
+      inGroup = false;  // these digits were the first number of the quad
       break;
     } else {
       return 0;
     }
   }
-  if (group && !scratch.addGroup(*group)) {
+  if (inGroup && !scratch.addGroup(group)) {
     return 0;
   }
   if (gap) {

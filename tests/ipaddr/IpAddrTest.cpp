@@ -108,6 +108,8 @@ TEST(IpAddr, ConvertsBetweenTheFamilies) {
   EXPECT_EQ("::ffff:192.168.1.1", text(addr));
   EXPECT_EQ(1u, addr.ConvertV6ToIpV4());
   EXPECT_EQ("192.168.1.1", text(addr));
+  EXPECT_EQ(Bytes({192, 168, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}), octets(addr))
+      << "no byte left shows";
   for (const char* other : {"192.168.1.1", "::1", ""}) {
     ZotIpAddr kept(other);
     EXPECT_EQ(0u, kept.ConvertV6ToIpV4());
