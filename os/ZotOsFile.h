@@ -55,6 +55,53 @@ ZOT_EXPORT uint32_t ZotOsDeleteFile(const char* path);
 ZOT_EXPORT uint32_t ZotOsDeleteDir(const char* path);
 ZOT_EXPORT uint32_t ZotOsRenameFile(const char* oldPath, const char* newPath);
 
+// Makes a directory and, with mode 0700, each one above it that is missing.  Both
+// '/' and '\' end a component: "a\b" makes "a" and then "a\b" beside it.  The
+// path must have fewer than 500 characters.
+//
+// Returns 1 for what exists already, a file or a read-only directory included;
+// callers rely on that.
+ZOT_EXPORT uint32_t ZotOsChkAndCreateDir(const char* path);
+
+// Deletes a directory with everything in it, and what a link to a directory
+// leads to as well.  The path of every entry, formed below path, must have fewer than
+// 256 characters.
+//
+// Returns 0 when something is left: what could not be deleted, all that follows
+// an entry which cannot be examined (a link to nothing), and a directory that
+// was emptied through a link, because the link remains.
+ZOT_EXPORT uint32_t ZotOsDeleteDirTree(const char* path);
+
+// Opens a search and gives its first hit.  Where the text has a '*', its part behind
+// the last '/' is the pattern for the names in the directory before that; without
+// a '/' the current directory is searched.  A text without a '*' means every entry
+// of the directory that it names, or else the one file.
+//
+// Only the first '*' of a pattern is special, and nothing else is: "*", "*.*" and
+// "*." match every name but "." and ".."; any other matches the names that begin
+// with its text before the star and end with its text behind it, in the same
+// case.  ".*" matches "." and ".." too; callers rely on that.  "/x*" names no
+// directory before its '/' and finds nothing; "//x*" searches the root.
+//
+//   find   the search; one that is open must be closed first
+//   name   receives the entry's name: ZOT_OS_FIND_TEXT bytes
+//   type, mtime, size   of the entry, a link followed; each may be null
+//
+// Returns 1 with the search open.  Returns 0 with nothing left to close when there
+// is no hit, or when the first hit cannot be examined, as a link to nothing.
+ZOT_EXPORT uint32_t ZotOsFindFirst(ZotOsFindData* find, const char* pattern, char* name, uint32_t* type,
+                                   uint32_t* mtime, uint32_t* size);
+
+// Gives the next hit, in the directory's order.
+//
+// Returns 0 at the end, with an empty name, and for a hit that cannot be examined,
+// with its name; type, mtime and size stay unchanged then.  The search stays open.
+ZOT_EXPORT uint32_t ZotOsFindNext(ZotOsFindData* find, char* name, uint32_t* type, uint32_t* mtime,
+                                  uint32_t* size);
+
+// Closes a search; 1 also when none is open.
+ZOT_EXPORT uint32_t ZotOsFindClose(ZotOsFindData* find);
+
 // Stores the directory of the running program, without a '/' at its end, in dir
 // and the program's name in name, which may be null.  error, which may be null,
 // receives errno, 0 on success.

@@ -36,7 +36,7 @@ inline std::string readFile(const std::filesystem::path& path) {
 // short and relative; whole() is its path from the root.
 class TemporaryDirectory : public testing::Test {
  protected:
-  TemporaryDirectory() : before_(std::filesystem::current_path()), descriptors_(openDescriptors()) {
+  TemporaryDirectory() {
     std::string name = testing::TempDir() + "/zot.XXXXXX";
     if (mkdtemp(name.data()) == nullptr) {
       std::abort();
@@ -54,9 +54,9 @@ class TemporaryDirectory : public testing::Test {
   std::string whole() const { return whole_.string(); }
 
  private:
-  std::filesystem::path before_;
+  std::filesystem::path before_ = std::filesystem::current_path();
   std::filesystem::path whole_;
-  int descriptors_;
+  int descriptors_ = openDescriptors();
 };
 
 }  // namespace zot_test

@@ -1,0 +1,136 @@
+#include "os/ZotOsFile.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+
+#include "log/LogLineInternal.h"
+#include "os/ZotOsFileInternal.h"
+#include "os/zot_string.h"
+
+namespace {
+
+bool matches(std::string_view name, std::string_view pattern) {
+  if (pattern == "*" || pattern == "*.*" || pattern == "*.") {
+    return name != "." && name != "..";
+  }
+  const size_t star = pattern.find('*');
+  if (star == std::string_view::npos) {
+    return name == pattern;
+  }
+  // The length keeps prefix and suffix from sharing characters.
+  return name.size() >= pattern.size() - 1 && name.starts_with(pattern.substr(0, star)) &&
+         name.ends_with(pattern.substr(star + 1));
+}
+
+// Reads on to the next entry that matches; false at the end of the directory.
+bool readMatch(const ZotOsFindData& find, char* name) {
+  while (const dirent* entry = readdir(find.dir)) {
+    ZOT_LINE(ZOT_LOG_TRACE, "TRACE FindNext: file = %s ; search file = %s", entry->d_name, find.pattern);
+    if (matches(entry->d_name, find.pattern)) {
+      strcpy_zot(name, ZOT_OS_FIND_TEXT, entry->d_name);
+      return true;
+    }
+  }
+  return false;
+}
+
+// Fills path and pattern; false when the text has no star and names nothing.
+bool splitSearch(const char* text, ZotOsFindData& find) {
+  if (std::strchr(text, '*') == nullptr) {
+    struct stat status;
+    if (stat(text, &status) != 0) {
+      return false;
+    }
+    if (S_ISDIR(status.st_mode)) {
+      strcpy_zot(find.path, sizeof find.path, text);
+      strcat_zot(find.path, sizeof find.path, "/");
+      strcpy_zot(find.pattern, sizeof find.pattern, "*");
+      return true;
+    }
+  }
+  vSplitFileName(text, find.path, find.pattern);
+  return true;
+}
+
+}  // namespace
+
+void vSplitFileName(const char* path, char* dir, char* name) {
+  const char* const slash = std::strrchr(path, '/');
+  if (slash != nullptr) {
+    strncpy_zot(dir, ZOT_OS_FIND_TEXT, path, static_cast<unsigned int>(slash - path));
+    strcpy_zot(name, ZOT_OS_FIND_TEXT, slash + 1);
+  } else {
+    strcpy_zot(dir, ZOT_OS_FIND_TEXT, "./");
+    strcpy_zot(name, ZOT_OS_FIND_TEXT, path);
+  }
+  if (name[0] == '\0') {
+    strcpy_zot(name, ZOT_OS_FIND_TEXT, "*");
+  }
+}
+
+uint32_t ZotOsFindFirst(ZotOsFindData* find, const char* pattern, char* name, uint32_t* type, uint32_t* mtime,
+                        uint32_t* size) {
+  if (find == nullptr) {
+    return 0;
+  }
+  find->dir = nullptr;
+  if (pattern == nullptr || name == nullptr || !splitSearch(pattern, *find)) {
+    return 0;
+  }
+  ZOT_LINE(ZOT_LOG_TRACE, "TRACE FindFirst: splitted input - path=%s, file=%s", find->path, find->pattern);
+  find->dir = opendir(find->path);
+  if (find->dir == nullptr) {
+    const int error = errno;
+    ZOT_LINE(ZOT_LOG_ERROR, "ERROR FindFirst: opendir failed: %d=%s", error, std::strerror(error));
+    return 0;
+  }
+  if (ZotOsFindNext(find, name, type, mtime, size) != 0) {
+    return 1;
+  }
+  const int error = errno;
+  closedir(find->dir);
+  find->dir = nullptr;
+  errno = error;
+  return 0;
+}
+
+uint32_t ZotOsFindNext(ZotOsFindData* find, char* name, uint32_t* type, uint32_t* mtime, uint32_t* size) {
+  if (find == nullptr || name == nullptr || find->dir == nullptr) {
+    return 0;
+  }
+  name[0] = '\0';
+  if (!readMatch(*find, name)) {
+    return 0;
+  }
+  char path[ZOT_OS_FIND_TEXT];
+  sprintf_zot(path, sizeof path, "%s/%s", find->path, name);
+  struct stat status;
+  if (stat(path, &status) != 0) {
+    return 0;
+  }
+  if (type != nullptr) {
+    *type = S_ISDIR(status.st_mode) ? ZOT_OS_FIND_DIRECTORY : ZOT_OS_FIND_FILE;
+  }
+  if (mtime != nullptr) {
+    *mtime = static_cast<uint32_t>(status.st_mtime);
+  }
+  if (size != nullptr) {
+    *size = static_cast<uint32_t>(status.st_size);
+  }
+  return 1;
+}
+
+uint32_t ZotOsFindClose(ZotOsFindData* find) {
+  if (find == nullptr || find->dir == nullptr) {
+    return 1;
+  }
+  if (closedir(find->dir) != 0) {
+    return 0;
+  }
+  find->dir = nullptr;
+  return 1;
+}
