@@ -32,12 +32,20 @@ bool hasBytes(const MifRecord& record, uint32_t len, uint32_t count) {
 
 // An address value as the setters of ZotIpAddr take it; bytes beyond the buffer are 0.
 struct AddressValue {
-  AddressValue(const unsigned char* buf, uint32_t len, const MifRecord& record) : length(record.length) {
-    mifCopyBounded(bytes, buf, len, record.valueOffset(), sizeof bytes);
-  }
   unsigned char bytes[kMaxAddressSize];
   unsigned int length;
 };
+
+std::optional<AddressValue> findAddress(const unsigned char* buf, uint32_t len, unsigned short oid,
+                                        uint32_t occurrence) {
+  const auto record = find(buf, len, oid, occurrence);
+  if (!record) {
+    return std::nullopt;
+  }
+  AddressValue value{{}, record->length};
+  mifCopyBounded(value.bytes, buf, len, record->valueOffset(), sizeof value.bytes);
+  return value;
+}
 
 bool nothingToSearch(const unsigned char* buf, uint32_t len, uint32_t occurrence) {
   return buf == nullptr || len == 0 || occurrence == 0;
@@ -129,13 +137,12 @@ uint32_t zotmifGetIpAddrV4(const unsigned char* buf, uint32_t len, unsigned shor
   if (nothingToSearch(buf, len, occurrence)) {
     return 0;
   }
-  const auto record = find(buf, len, oid, occurrence);
-  if (!record) {
+  const auto value = findAddress(buf, len, oid, occurrence);
+  if (!value) {
     addr->SetAnyHostV4();
     return 0;
   }
-  const AddressValue value(buf, len, *record);
-  return addr->SetIpAddrFromMifV4(value.bytes, value.length);
+  return addr->SetIpAddrFromMifV4(value->bytes, value->length);
 }
 
 uint32_t zotmifGetIpAddr(const unsigned char* buf, uint32_t len, unsigned short oid, ZotIpAddr* addr,
@@ -143,13 +150,12 @@ uint32_t zotmifGetIpAddr(const unsigned char* buf, uint32_t len, unsigned short 
   if (nothingToSearch(buf, len, occurrence)) {
     return 0;
   }
-  const auto record = find(buf, len, oid, occurrence);
-  if (!record) {
+  const auto value = findAddress(buf, len, oid, occurrence);
+  if (!value) {
     addr->Clear();
     return 0;
   }
-  const AddressValue value(buf, len, *record);
-  return addr->SetIpAddrFromMif(value.bytes, value.length);
+  return addr->SetIpAddrFromMif(value->bytes, value->length);
 }
 
 uint32_t zotmifUpdInt(unsigned char* buf, uint32_t len, unsigned short oid, uint32_t value,
