@@ -1,68 +1,13 @@
 #include "FrontEnd.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 
+#import "FieldValues.h"
 #include "Message.h"
 #import "mifobject/ZOTMifBuffer.h"
 
 namespace {
-
-std::optional<unsigned long long> parseNumber(const std::string& text, unsigned long long largest) {
-  char* end = nullptr;
-  errno = 0;
-  const unsigned long long number = std::strtoull(text.c_str(), &end, 10);
-  const bool whole = !text.empty() && text[0] != '-' && *end == '\0' && errno == 0;
-  return whole && number <= largest ? std::optional(number) : std::nullopt;
-}
-
-NSData* parseHex(const std::string& text) {
-  NSMutableData* bytes = [NSMutableData data];
-  NSScanner* scanner = [NSScanner scannerWithString:[NSString stringWithUTF8String:text.c_str()]];
-  while (![scanner isAtEnd]) {
-    unsigned int number = 0;
-    if (![scanner scanHexInt:&number] || number > 0xFF) {
-      return nil;
-    }
-    const auto byte = static_cast<unsigned char>(number);
-    [bytes appendBytes:&byte length:1];
-  }
-  return bytes;
-}
-
-// NO when the value is not what the field holds.
-BOOL addSetting(ZOTMifBuffer* buffer, const Setting& setting) {
-  const int oid = setting.field->oid;
-  switch (setting.field->kind) {
-    case FieldKind::Integer:
-    case FieldKind::Integer64: {
-      const bool narrow = setting.field->kind == FieldKind::Integer;
-      const auto number = parseNumber(setting.value, narrow ? 0xFFFFFFFF : ~0ull);
-      if (!number) {
-        return NO;
-      }
-      NSNumber* value = [NSNumber numberWithUnsignedLongLong:*number];
-      narrow ? [buffer addInt:value forOid:oid] : [buffer addInt64:value forOid:oid];
-      return YES;
-    }
-    case FieldKind::Text: {
-      const int before = [buffer getDataLen];
-      [buffer addString:[NSString stringWithUTF8String:setting.value.c_str()] forOid:oid];
-      return [buffer getDataLen] != before;
-    }
-    case FieldKind::Binary: {
-      NSData* value = parseHex(setting.value);
-      [buffer addBin:value forOid:oid];
-      return [value length] != 0;
-    }
-  }
-  return NO;
-}
-
-Bytes bytesOf(NSData* data) {
-  return {static_cast<const unsigned char*>([data bytes]), [data length]};
-}
 
 void closeMessage(ZOTMifBuffer* buffer, NSMutableData* message) {
   [buffer getDataIntoBuffer:message];
@@ -100,6 +45,7 @@ int showAnswer(Channel& service) {
 
   ZOTMifBuffer* buffer = [[[ZOTMifBuffer alloc] init] autorelease];
   [buffer setData:[NSData dataWithBytes:answer->data() length:answer->size()]];
+  printReadings(buffer);
   NSMutableString* text = [NSMutableString string];
   if (![buffer getString:text forOid:kAnswer]) {
     std::fprintf(stderr, "front end: the service said nothing\n");

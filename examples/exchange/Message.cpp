@@ -4,7 +4,6 @@
 #include <cinttypes>
 #include <cstdio>
 
-#include "Fields.h"
 #include "mif/MifRecord.h"
 
 namespace {
@@ -28,20 +27,6 @@ std::string integer64Text(const MifRecord& record) {
   return std::to_string(number);
 }
 
-std::string plainText(Bytes value) {
-  std::string shown = "\"";
-  for (const unsigned char byte : value) {
-    if (byte == '"' || byte == '\\') {
-      shown += '\\';
-    }
-    // The terminal expects UTF-8; the message holds ISO 8859-1.
-    shown += byte < 0x20 || byte == 0x7F ? text("\\x%02x", byte)
-             : byte < 0x80               ? std::string(1, static_cast<char>(byte))
-                                         : text("%c%c", 0xC0 | byte >> 6, 0x80 | (byte & 0x3F));
-  }
-  return shown + '"';
-}
-
 std::string hexText(Bytes value) {
   std::string shown;
   for (const unsigned char byte : value) {
@@ -59,11 +44,11 @@ std::string valueText(const MifRecord& record) {
     case FieldKind::Integer64:
       return integer64Text(record);
     case FieldKind::Text:
-      return plainText(value);
-    case FieldKind::Binary:
-      break;
+    case FieldKind::Password:  // scrambled as it stands here
+      return quotedText(value);
+    default:
+      return hexText(value);
   }
-  return hexText(value);
 }
 
 void printTable(Bytes message) {
@@ -140,6 +125,24 @@ std::string damageOf(Bytes message) {
     return text("its check sum is %u, its bytes add up to %u", mifLoad<uint32_t>(last.value), sum);
   }
   return {};
+}
+
+std::string quotedText(Bytes value) {
+  std::string shown = "\"";
+  for (const unsigned char byte : value) {
+    if (byte == '"' || byte == '\\') {
+      shown += '\\';
+    }
+    // The terminal expects UTF-8; the message holds ISO 8859-1.
+    shown += byte < 0x20 || byte == 0x7F ? text("\\x%02x", byte)
+             : byte < 0x80               ? std::string(1, static_cast<char>(byte))
+                                         : text("%c%c", 0xC0 | byte >> 6, 0x80 | (byte & 0x3F));
+  }
+  return shown + '"';
+}
+
+void printReading(const Field& field, const std::string& reading) {
+  std::printf("  %-12.*s %s\n", static_cast<int>(field.name.size()), field.name.data(), reading.c_str());
 }
 
 void printMessage(const char* title, Bytes message) {

@@ -6,6 +6,7 @@
 
 #include "Fields.h"
 #include "Message.h"
+#include "Readings.h"
 #include "mif/Mif32.h"
 
 namespace {
@@ -49,6 +50,7 @@ int runService(Channel& frontEnd) {
     return EXIT_FAILURE;
   }
   printMessage("service: received", *received);
+  printReadings(*received);
 
   Mif32 message;
   message.SetData(received->data(), static_cast<unsigned int>(received->size()));

@@ -4,7 +4,7 @@
 
 #include "Channel.h"
 
-// Takes one message: lists its records, rounds the interval up to whole minutes,
+// Takes one message: lists its records and what they say, rounds the interval up to whole minutes,
 // removes the token, appends an answer and sends the result back.  Returns the
 // process's exit status.
 int runService(Channel& frontEnd);

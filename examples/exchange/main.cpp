@@ -29,7 +29,9 @@ constexpr char kUsage[] =
     "\n"
     "  --damage N  on the way, invert the byte at offset N; below 0: cut -N bytes off the end\n"
     "\n"
-    "Settings: interval (s), quota (bytes), profile (text), fingerprint (hex bytes), token (text).\n";
+    "Settings: interval (s), quota (bytes), profile (text), fingerprint (hex bytes), token (text),\n"
+    "addresses (IPv4, or FROM-TO), adapter (MAC address), channels (0 to 255, or FROM-TO),\n"
+    "password (text), key (16 hex groups).\n";
 
 struct Options {
   std::optional<long> damage;
