@@ -21,12 +21,18 @@ void fnvvLogData(uint32_t toStdout, const void* data, long length, int mode, con
 // alone to the system log.
 void vWrLog(uint32_t toStdout, const char* prefix, const char* message);
 
-// The time of day as a log line shows it, in a text that all threads share: a
-// later call changes it.  It keeps its last value when there is no time to be had.
+// The time of day as a log line shows it; the last one taken, or at first an empty
+// text, when there is no time to be had.
+struct LogStamp {
+  char text[32] = {};
+};
+LogStamp takeStamp();
+
+// The same, in a text that all threads share and a later call changes.
 const char* cpszGetTime();
 
-// Appends what the dump modes of ZotOsvLogData promise to nothing: dst is
-// overwritten from its start and holds size bytes, terminator included.
+// Fills dst, of size bytes with the terminator, with the length line and the dump
+// that ZotOsvLogData promises for this mode.
 void vPrepLogData(char* dst, unsigned int size, const void* data, long length, int mode);
 
 #endif

@@ -20,21 +20,34 @@
 namespace {
 
 constexpr uint32_t kIgnoredOpenBit = 0x10000000;
-constexpr unsigned int kStampSize = 32;
 
 // The longest message there is, with each of its percent signs doubled.
 constexpr size_t kSyslogSize = size_t{2} * 1543;
 
-// The timestamp that all threads share.  It is stored word by word, so that a
-// reader in another thread meets bytes of two timestamps at worst.
-alignas(uint64_t) char sharedStamp[kStampSize];
+// The timestamp that all threads share, kept word by word: a reader in another
+// thread meets bytes of two timestamps at worst.
+std::atomic<uint32_t> sharedStamp[sizeof(LogStamp) / sizeof(uint32_t)];
+static_assert(sizeof sharedStamp == sizeof(LogStamp));
 
-void publishStamp(const char (&text)[kStampSize]) {
-  for (unsigned int at = 0; at < kStampSize; at += sizeof(uint32_t)) {
+void publish(const LogStamp& stamp) {
+  const char* from = stamp.text;
+  for (auto& shared : sharedStamp) {
     uint32_t word;
-    std::memcpy(&word, text + at, sizeof word);
-    std::atomic_ref(*reinterpret_cast<uint32_t*>(sharedStamp + at)).store(word, std::memory_order_relaxed);
+    std::memcpy(&word, from, sizeof word);
+    shared.store(word, std::memory_order_relaxed);
+    from += sizeof word;
   }
+}
+
+LogStamp published() {
+  LogStamp stamp;
+  char* to = stamp.text;
+  for (const auto& shared : sharedStamp) {
+    const uint32_t word = shared.load(std::memory_order_relaxed);
+    std::memcpy(to, &word, sizeof word);
+    to += sizeof word;
+  }
+  return stamp;
 }
 
 // Makes a format of a finished message: "%%" and "%m" stay, every other percent
@@ -95,19 +108,25 @@ void vWrLog(uint32_t toStdout, const char* prefix, const char* message) {
   }
 }
 
-const char* cpszGetTime() {
+LogStamp takeStamp() {
   timeval now{};
   tm local{};
   if (gettimeofday(&now, nullptr) != 0 || localtime_r(&now.tv_sec, &local) == nullptr) {
-    return sharedStamp;
+    return published();
   }
   // The year 2000 prints as "100" and January as "00"; callers rely on both.
   const int year = local.tm_year > 100 ? local.tm_year - 100 : local.tm_year;
-  char text[kStampSize] = {};
-  sprintf_zot(text, kStampSize, "%02d-%02d-%02d %02d:%02d:%02d,%03ld", year, local.tm_mon, local.tm_mday,
-              local.tm_hour, local.tm_min, local.tm_sec, static_cast<long>(now.tv_usec / 1000));
-  publishStamp(text);
-  return sharedStamp;
+  LogStamp stamp;
+  sprintf_zot(stamp.text, sizeof stamp.text, "%02d-%02d-%02d %02d:%02d:%02d,%03ld", year, local.tm_mon,
+              local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,
+              static_cast<long>(now.tv_usec / 1000));
+  publish(stamp);
+  return stamp;
+}
+
+const char* cpszGetTime() {
+  takeStamp();
+  return reinterpret_cast<const char*>(sharedStamp);
 }
 
 unsigned int logPid() {

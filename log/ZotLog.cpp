@@ -33,7 +33,7 @@ class ErrnoKept {
 // All zero at first, because strncat_zot may leave its text without a terminator.
 struct Prefix {
   Prefix() {
-    strcpy_zot(text, kPrefixSize, cpszGetTime());
+    strcpy_zot(text, kPrefixSize, takeStamp().text);
     strcat_zot(text, kPrefixSize, " - ");
   }
   char text[kPrefixSize] = {};
