@@ -10,8 +10,8 @@
 //   ZOT_LINE_ERR(mask, code, format, ...)   format ends in "(%d=%s)"
 //   ZOT_LINE_ERR_IDS(mask, code, format, ...)   "(%d=%s pid=%u tid=%ld)"
 //
-// code is an error number that the caller has saved: other calls between the
-// failure and the line may overwrite errno.
+// code is a variable that holds the error number, saved before anything else could
+// overwrite errno; it is looked at twice.
 #ifndef ZOT_LOG_LINE_INTERNAL_H
 #define ZOT_LOG_LINE_INTERNAL_H
 

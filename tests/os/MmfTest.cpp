@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/shm.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -46,79 +47,93 @@ std::string text(const char* format, Args... args) {
   return line;
 }
 
+std::vector<int> fields(const ZotOsMmfHandle& handle) {
+  return {handle.created, handle.lastError, static_cast<int>(handle.size)};
+}
+
+Lines createLines(uint32_t expected, ZotOsMmfHandle& handle, uint32_t size, const char* path) {
+  return logLines([&] { EXPECT_EQ(expected, ZotOsMmfCreate(&handle, size, path, kKey, 1)); });
+}
+
+Lines closeLines(uint32_t expected, ZotOsMmfHandle& handle) {
+  return logLines([&] { EXPECT_EQ(expected, ZotOsMmfClose(&handle)); });
+}
+
 class MappedFile : public TemporaryDirectory {
  protected:
-  // Creates, closes and returns the lines of both; the fields are left to look at.
-  Lines lines(const char* path, uint32_t size, uint32_t expected) {
-    return logLines([&] { EXPECT_EQ(expected, ZotOsMmfCreate(&handle, size, path, kKey, 1)); });
-  }
-
   ZotOsMmfHandle handle;
 };
 
 TEST_F(MappedFile, IsMadeExtendedOrMappedAsItIs) {
   const struct {
     const char* before;
-    uint32_t size;
-    unsigned char created;
+    int created;
     std::string after;
   } cases[] = {
-      {nullptr, 5, 1, std::string(5, '\0')},
-      {"abc", 5, 0, std::string("abc\0\0", 5)},
-      {"abcdefg", 5, 0, "abcdefg"},
-  };
+      {nullptr, 1, std::string(5, '\0')}, {"abc", 0, std::string("abc\0\0", 5)}, {"abcdefg", 0, "abcdefg"}};
   for (const auto& c : cases) {
     unlink("f");
     if (c.before != nullptr) {
       writeFile("f", c.before);
     }
-    const auto written = lines("f", c.size, 1);
-    EXPECT_EQ(Lines{text("TRACE ZotOsMmfCreate: mmap( %p, %zu ) ok", handle.address, c.after.size())},
-              written);
-    EXPECT_EQ(c.created, handle.created);
-    EXPECT_EQ(0, handle.lastError);
+    const auto written = createLines(1, handle, 5, "f");
+    const auto size = static_cast<int>(c.after.size());
+    EXPECT_EQ(Lines{text("TRACE ZotOsMmfCreate: mmap( %p, %d ) ok", handle.address, size)}, written);
+    ASSERT_EQ((std::vector<int>{c.created, 0, size}), fields(handle));
+    EXPECT_EQ(c.after, std::string(static_cast<char*>(handle.address), handle.size));
     EXPECT_EQ(-1, handle.shmId);
     EXPECT_EQ(FD_CLOEXEC, fcntl(handle.fd, F_GETFD));
-    ASSERT_EQ(c.after.size(), handle.size);
-    EXPECT_EQ(c.after, std::string(static_cast<char*>(handle.address), handle.size));
     struct stat status {};
-    EXPECT_TRUE(c.created == 0 || (stat("f", &status) == 0 && (status.st_mode & 0777) == 0600));
+    fstat(handle.fd, &status);
+    EXPECT_TRUE(c.created == 0 || (status.st_mode & 0777) == 0600);
 
     static_cast<char*>(handle.address)[1] = 'X';
-    const auto closing = logLines([&] { EXPECT_EQ(1u, ZotOsMmfClose(&handle)); });
-    EXPECT_EQ(Lines{text("TRACE ZotOsMmfClose: unmap(%p) now", handle.address)}, closing);
+    EXPECT_EQ(Lines{text("TRACE ZotOsMmfClose: unmap(%p) now", handle.address)}, closeLines(1, handle));
     EXPECT_EQ('X', readFile("f").at(1));
   }
 }
 
 TEST_F(MappedFile, ReportsEachFailure) {
-  EXPECT_EQ(Lines{"FATAL ZotOsMmfCreate: file no/f could not be created (2=No such file or directory)"},
-            lines("no/f", 5, 0));
-  EXPECT_EQ(ENOENT, handle.lastError);
-  EXPECT_EQ(Lines{"FATAL ZotOsMmfCreate: file . could not be opened (21=Is a directory)"}, lines(".", 5, 0));
-
-  EXPECT_EQ(Lines{"FATAL ZotOsMmfCreate: write (0 bytes) to created file /dev/full failed "
-                  "(28=No space left on device)"},
-            lines("/dev/full", 5, 0));
-  EXPECT_EQ(ENOSPC, handle.lastError);
-  EXPECT_NE(-1, fcntl(handle.fd, F_GETFD)) << "left for the close";
-  EXPECT_EQ(1u, ZotOsMmfClose(&handle));
-
-  EXPECT_EQ(Lines{text("TRACE ZotOsMmfCreate: mmap( %p, 5 ) ok", nullptr)}, lines("/dev/null", 5, 0));
-  EXPECT_EQ(ENODEV, handle.lastError);
-  EXPECT_EQ(1u, ZotOsMmfClose(&handle));
+  const rlimit small{4096, 4096};
+  const std::string nowhere = text("TRACE ZotOsMmfCreate: mmap( %p, 9000 ) ok", nullptr);
+  const struct {
+    const char* path;
+    const char* line;
+    int error;
+  } cases[] = {
+      {"no/f", "FATAL ZotOsMmfCreate: file no/f could not be created (2=No such file or directory)", ENOENT},
+      {".", "FATAL ZotOsMmfCreate: file . could not be opened (21=Is a directory)", EISDIR},
+      {"/dev/full",
+       "FATAL ZotOsMmfCreate: write (0 bytes) to created file /dev/full failed (28=No space left on device)",
+       ENOSPC},
+      {"f", "FATAL ZotOsMmfCreate: write (4096 bytes) to created file f failed (28=No space left on device)",
+       ENOSPC},
+      {"/dev/null", nowhere.c_str(), ENODEV},
+  };
+  for (const auto& c : cases) {
+    // In a child, because nothing lifts the limit that cuts the write to f short.
+    EXPECT_EQ(0, runInChild([&] {
+                setrlimit(RLIMIT_FSIZE, &small);
+                EXPECT_EQ(Lines{c.line}, createLines(0, handle, 9000, c.path));
+                EXPECT_EQ(c.error, handle.lastError);
+                EXPECT_EQ(0, handle.created);
+                EXPECT_EQ(c.error != ENOENT && c.error != EISDIR, fcntl(handle.fd, F_GETFD) != -1)
+                    << "left for the close";
+                EXPECT_EQ(Lines{}, closeLines(1, handle));
+                return 0;
+              }));
+  }
   {
     const FailingHeap none;
-    EXPECT_EQ(0u, ZotOsMmfCreate(&handle, 5, "f", kKey, 1));
+    EXPECT_EQ(0u, ZotOsMmfCreate(&handle, 5, "g", kKey, 1));
   }
-  EXPECT_EQ(ENOMEM, handle.lastError);
-  EXPECT_EQ(0, handle.created);
+  EXPECT_EQ((std::vector<int>{0, ENOMEM, 0}), fields(handle));
   EXPECT_EQ(1u, ZotOsMmfClose(&handle));
 
   handle = {-1, -1, 5, &handle, 0, {}, 0};  // no page begins there
   EXPECT_EQ((Lines{text("TRACE ZotOsMmfClose: unmap(%p) now", &handle),
                    text("ERROR ZotOsMmfClose: unmap(%p) failed (22=Invalid argument)", &handle)}),
-            logLines([&] { EXPECT_EQ(0u, ZotOsMmfClose(&handle)); }));
+            closeLines(0, handle));
   EXPECT_EQ(EINVAL, handle.lastError);
 }
 
@@ -137,56 +152,42 @@ TEST_F(MappedFile, IsFlushedFromTheStartOfAPage) {
 
 TEST(Segment, IsMadeOnceAndRemovedByTheLastToClose) {
   ZotOsMmfHandle first, second;
-  auto lines = logLines([&] { EXPECT_EQ(1u, ZotOsMmfCreate(&first, 100, "", kKey, 1)); });
+  auto lines = createLines(1, first, 100, "");
   const int id = first.shmId;
   EXPECT_EQ((Lines{text("TRACE ZotOsMmfCreate(%d): shm (key=0x5A01) is created", id),
                    text("TRACE fMmfAttach(%d): shm (addr=%p) is attached now: 1", id, first.address)}),
             lines);
-  EXPECT_EQ(1, first.created);
-  EXPECT_EQ(0, first.lastError);
-  EXPECT_EQ(0u, first.size);
-  EXPECT_EQ(std::string(100, '\0'), std::string(static_cast<char*>(first.address), 100));
+  EXPECT_EQ((std::vector<int>{1, 0, 0}), fields(first));
 
-  lines = logLines([&] { EXPECT_EQ(1u, ZotOsMmfCreate(&second, 50, nullptr, kKey, 1)); });
+  lines = createLines(1, second, 50, nullptr);
+  void* const address = second.address;
   EXPECT_EQ((Lines{text("TRACE ZotOsMmfOpen(%d): shm (key=0x5A01) is opened", id),
-                   text("TRACE fMmfAttach(%d): shm (addr=%p) is attached now: 2", id, second.address)}),
+                   text("TRACE fMmfAttach(%d): shm (addr=%p) is attached now: 2", id, address)}),
             lines);
-  EXPECT_EQ(0, second.created);
-  EXPECT_EQ(EEXIST, second.lastError);
+  EXPECT_EQ((std::vector<int>{0, EEXIST, 0}), fields(second));
+  EXPECT_EQ(0, runInChild([] {
+              ZotOsMmfHandle third{-1, -1, 77, nullptr, 1, {}, 5};
+              EXPECT_EQ(1u, ZotOsMmfOpen(&third, 0, kKey));
+              EXPECT_EQ((std::vector<int>{1, 5, 77}), fields(third)) << "opening leaves these alone";
+              std::strcpy(static_cast<char*>(third.address), "hello");
+              EXPECT_EQ(1u, ZotOsMmfClose(&third));
+              return 0;
+            }));
+  EXPECT_STREQ("hello", static_cast<char*>(address));
 
-  const void* const address = second.address;
-  lines = logLines([&] { EXPECT_EQ(1u, ZotOsMmfClose(&second)); });
   EXPECT_EQ((Lines{text("TRACE ZotOsMmfClose(%d): shm 2 attached processes", id),
                    text("TRACE ZotOsMmfClose(%d): detach shm (%p)", id, address)}),
-            lines);
-  EXPECT_EQ(nullptr, second.address);
+            closeLines(1, second));
   EXPECT_EQ(id, second.shmId);
+  EXPECT_EQ(nullptr, second.address);
 
   char* const block = static_cast<char*>(first.address);
-  lines = logLines([&] { EXPECT_EQ(1u, ZotOsMmfClose(&first)); });
   EXPECT_EQ((Lines{text("TRACE ZotOsMmfClose(%d): shm 1 attached processes", id),
                    text("TRACE ZotOsMmfClose(%d): close shm", id)}),
-            lines);
+            closeLines(1, first));
   EXPECT_EQ(-1, first.shmId);
   EXPECT_EQ(nullptr, first.address);
-  block[0] = 'x';  // still mapped until this process ends
-}
-
-TEST(Segment, OutlivesAProcessThatOnlyDetaches) {
-  ZotOsMmfHandle handle;
-  ASSERT_EQ(1u, ZotOsMmfCreate(&handle, 100, nullptr, kKey, 1));
-  EXPECT_EQ(
-      7, runInChild([] {
-        ZotOsMmfHandle other{9, -1, 77, nullptr, 1, {}, 5};
-        EXPECT_EQ(1u, ZotOsMmfOpen(&other, 0, kKey));
-        EXPECT_EQ(9 + 77 + 1 + 5, other.fd + static_cast<int>(other.size) + other.created + other.lastError)
-            << "opening leaves these alone";
-        std::strcpy(static_cast<char*>(other.address), "hello");
-        EXPECT_EQ(1u, ZotOsMmfClose(&other));
-        return 7;
-      }));
-  EXPECT_STREQ("hello", static_cast<char*>(handle.address));
-  EXPECT_EQ(1u, ZotOsMmfClose(&handle));
+  EXPECT_STREQ("hello", block) << "still mapped until this process ends";
 }
 
 TEST(Segment, ReportsEachFailure) {
@@ -194,26 +195,23 @@ TEST(Segment, ReportsEachFailure) {
   EXPECT_EQ(Lines{"ERROR ZotOsMmfOpen: open shm (key=0x5A01) failed (2=No such file or directory)"},
             logLines([&] { EXPECT_EQ(0u, ZotOsMmfOpen(&handle, 0, kKey)); }));
   EXPECT_EQ(ENOENT, handle.lastError);
-  EXPECT_EQ(
-      Lines{"FATAL ZotOsMmfCreate: shm (key=0x5A01) failed (22=Invalid argument)"},
-      logLines([&] { EXPECT_EQ(0u, ZotOsMmfCreate(&handle, 0, nullptr, kKey, 1)); }, ZOT_LOG_FATAL | 1));
+  EXPECT_EQ(Lines{"FATAL ZotOsMmfCreate: shm (key=0x5A01) failed (22=Invalid argument)"},
+            createLines(0, handle, 0, nullptr));
   EXPECT_EQ(EINVAL, handle.lastError);
 
   const int taken = shmget(kKey, 100, IPC_CREAT | 0666);
-  for (const int already : {1, 0}) {
+  const std::string attach = "FATAL fMmfAttach: shmat failed (24=Too many open files)";
+  for (const bool there : {true, false}) {
     const RefusedAttach refused(EMFILE);
-    const auto lines = logLines([&] { EXPECT_EQ(0u, ZotOsMmfCreate(&handle, 100, nullptr, kKey, 1)); },
-                                ZOT_LOG_FATAL | ZOT_LOG_STDOUT);
-    Lines expected{"FATAL fMmfAttach: shmat failed (24=Too many open files)"};
-    if (already != 0) {
-      expected.push_back(
-          "FATAL ZotOsMmfCreate: key=0x5A01 already created, but ZotOsMmfOpen failed "
-          "(24=Too many open files)");
-    }
-    EXPECT_EQ(expected, lines);
-    EXPECT_EQ(EMFILE, handle.lastError);
+    auto lines = createLines(0, handle, 100, nullptr);
+    lines.erase(lines.begin());  // created or opened
+    EXPECT_EQ(there ? (Lines{attach,
+                             "FATAL ZotOsMmfCreate: key=0x5A01 already created, but ZotOsMmfOpen failed "
+                             "(24=Too many open files)"})
+                    : Lines{attach},
+              lines);
+    EXPECT_EQ((std::vector<int>{0, EMFILE, 0}), fields(handle));
     EXPECT_EQ(-1, handle.shmId);
-    EXPECT_EQ(0, handle.created);
     EXPECT_EQ(-1, shmget(kKey, 0, 0)) << "who cannot attach removes it for everybody";
   }
   handle = {-1, taken, 0, &handle, 0, {}, 0};

@@ -3,10 +3,8 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/select.h>
-#include <sys/time.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstring>
 #include <ctime>
 #include <string>
@@ -15,7 +13,8 @@
 #include "os/ZotOsSystemInternal.h"
 #include "support/LogFixture.h"
 
-static std::vector<std::pair<long, long>> sleeps;  // seconds and microseconds asked for
+using Pause = std::pair<long, long>;  // seconds and microseconds
+static std::vector<Pause> pauses;
 
 // The linker's --wrap option sends the calls here.  Only a wait without any
 // descriptor is a sleep, and no test has to sit through it.
@@ -24,9 +23,8 @@ extern "C" int __wrap_select(int count, fd_set* in, fd_set* out, fd_set* bad, ti
   if (count != 0) {
     return __real_select(count, in, out, bad, wait);
   }
-  sleeps.emplace_back(wait->tv_sec, wait->tv_usec);
-  errno = EINTR;
-  return wait->tv_usec == 7 ? -1 : 0;
+  pauses.emplace_back(wait->tv_sec, wait->tv_usec);
+  return -static_cast<int>(pauses.size());
 }
 
 namespace {
@@ -34,27 +32,21 @@ namespace {
 using namespace zot_test;
 
 TEST(Sleep, DropsWhatIsLeftBesideWholeSeconds) {
-  const struct {
-    uint32_t milliseconds;
-    std::pair<long, long> expected;
-  } cases[] = {
-      {0, {0, 0}},    {1, {0, 1000}},   {50, {0, 50000}}, {999, {0, 999000}},           {1000, {1, 0}},
-      {1001, {1, 1}}, {1500, {1, 500}}, {2999, {2, 999}}, {4294967295, {4294967, 295}},
-  };
-  for (const auto& c : cases) {
-    sleeps.clear();
-    EXPECT_EQ(0, ZotOsSleep(c.milliseconds));
-    EXPECT_EQ((std::vector{c.expected}), sleeps);
+  pauses.clear();
+  int32_t call = 0;
+  for (const uint32_t milliseconds : {0u, 50u, 999u, 1000u, 1001u, 1500u, 2999u, 4294967295u}) {
+    EXPECT_EQ(--call, ZotOsSleep(milliseconds)) << "the result is that of the wait";
   }
-  EXPECT_EQ(-1, ZotOsSleep(1007));
+  EXPECT_EQ((std::vector<Pause>{
+                {0, 0}, {0, 50000}, {0, 999000}, {1, 0}, {1, 1}, {1, 500}, {2, 999}, {4294967, 295}}),
+            pauses);
 }
 
 TEST(SystemState, GoesDownWithALineAndUpAgain) {
   EXPECT_EQ(1u, ZotOsGetSystemUp());
-  const auto lines = logLines([] { ZotOsSetShutdown(); }, ZOT_LOG_ERROR | ZOT_LOG_STDOUT);
-  EXPECT_EQ(std::vector<std::string>{"### ZotOsSetShutdown: shutd=1"}, lines);
+  EXPECT_EQ(std::vector<std::string>{"### ZotOsSetShutdown: shutd=1"},
+            logLines([] { ZotOsSetShutdown(); }, ZOT_LOG_ERROR | ZOT_LOG_STDOUT));
   EXPECT_EQ(0u, ZotOsGetSystemUp());
-  EXPECT_EQ(1, fShutdown);
   ZotOsSetSystemUp();
   EXPECT_EQ(1u, ZotOsGetSystemUp());
 }
@@ -63,40 +55,38 @@ TEST(SystemState, InitialisationIsClaimedOnceEach) {
   bOpenSslInit = bSslInit = 0;
   EXPECT_EQ(0, ZotOsIsOpenSslInitialized());
   EXPECT_EQ(1, ZotOsIsOpenSslInitialized());
-  EXPECT_EQ(1, bOpenSslInit);
   EXPECT_EQ(0, bSslInit);
   EXPECT_EQ(0, ZotOsIsSslInitialized());
-  EXPECT_EQ(1, ZotOsIsSslInitialized());
+  EXPECT_EQ(1, bSslInit);
 }
 
 TEST(Time, CountsFromTheFirstInitialisation) {
+  const auto now = static_cast<double>(std::time(nullptr));
   dZotOsUpTime = 0;
-  EXPECT_LE(ZotOsGetUpTime(), 1u);
-  EXPECT_NEAR(static_cast<double>(std::time(nullptr)), dZotOsUpTime, 1);
+  EXPECT_LE(ZotOsGetUpTime(), 2u);
+  EXPECT_NEAR(now, dZotOsUpTime, 2);
   dZotOsUpTime = ZotOsGetTimeInSec() - 1000;
   ZotOsInit();
-  EXPECT_NEAR(1000.0, ZotOsGetUpTime(), 1);
+  EXPECT_NEAR(1000.0, ZotOsGetUpTime(), 2);
   dZotOsUpTime = ZotOsGetTimeInSec() + 1000;  // the clock was set back
-  EXPECT_NEAR(-1000.0, static_cast<int32_t>(ZotOsGetUpTime()), 1);
+  EXPECT_NEAR(-1000.0, static_cast<int32_t>(ZotOsGetUpTime()), 2);
   dZotOsUpTime = -2147483647;
-  EXPECT_NEAR(static_cast<double>(std::time(nullptr)) + 2147483647.0, ZotOsGetUpTime(), 1);
+  EXPECT_NEAR(now + 2147483647.0, ZotOsGetUpTime(), 2);
 
-  timeval now{};
-  gettimeofday(&now, nullptr);
-  const auto wrapped = static_cast<uint32_t>(static_cast<uint64_t>(now.tv_sec) * 1000 % 4294967296);
-  EXPECT_LE(ZotOsGetTimeInmSec() - wrapped, 3000u);
+  const auto milliseconds = static_cast<uint32_t>(static_cast<uint64_t>(now) * 1000);
+  EXPECT_LE(ZotOsGetTimeInmSec() - milliseconds, 3000u);
 }
 
 TEST(Libraries, AreLoadedSearchedAndFreed) {
-  EXPECT_EQ(nullptr, ZotOsDlLoad(nullptr));
-  EXPECT_EQ(nullptr, ZotOsDlLoad(""));
-  EXPECT_EQ(nullptr, ZotOsDlLoad("/no/such/library.so"));
+  for (const char* none : {static_cast<const char*>(nullptr), "", "/no/such/library.so"}) {
+    EXPECT_EQ(nullptr, ZotOsDlLoad(none));
+  }
   void* const library = ZotOsDlLoad("libm.so.6");
   ASSERT_NE(nullptr, library);
   EXPECT_NE(nullptr, ZotOsDlGetAddr(library, "cos"));
-  EXPECT_EQ(nullptr, ZotOsDlGetAddr(library, "no such name"));
-  EXPECT_EQ(nullptr, ZotOsDlGetAddr(library, ""));
-  EXPECT_EQ(nullptr, ZotOsDlGetAddr(library, nullptr));
+  for (const char* none : {static_cast<const char*>(nullptr), "", "no such name"}) {
+    EXPECT_EQ(nullptr, ZotOsDlGetAddr(library, none));
+  }
   EXPECT_EQ(nullptr, ZotOsDlGetAddr(nullptr, "cos"));
   EXPECT_EQ(1u, ZotOsDlFree(library));
   EXPECT_EQ(1u, ZotOsDlFree(nullptr));
@@ -114,8 +104,6 @@ TEST(ComputerName, IsCutWhenItDoesNotFit) {
   EXPECT_EQ(0u, ZotOsGetComputerName(name, &size));
   EXPECT_EQ(length, size);
   EXPECT_EQ(std::string(whole, length - 1), name);
-  size = 0;
-  EXPECT_EQ(0u, ZotOsGetComputerName(name, &size));
 }
 
 TEST(CloseHandle, TellsWhetherItWasOpen) {

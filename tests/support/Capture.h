@@ -3,6 +3,8 @@
 #ifndef ZOT_TESTS_CAPTURE_H
 #define ZOT_TESTS_CAPTURE_H
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <string>
 
@@ -13,7 +15,13 @@ struct Output {
   std::string err;
 };
 
-Output captured(const std::function<void()>& body);
+inline Output captured(const std::function<void()>& body) {
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  body();
+  std::string err = testing::internal::GetCapturedStderr();
+  return {testing::internal::GetCapturedStdout(), std::move(err)};
+}
 
 }  // namespace zot_test
 

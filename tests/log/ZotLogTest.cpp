@@ -1,0 +1,209 @@
+#include "log/ZotLog.h"
+
+#include <gtest/gtest.h>
+#include <sys/time.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdarg>
+#include <ctime>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "log/LogInternal.h"
+#include "log/LogLineInternal.h"
+#include "support/LogFixture.h"
+
+static timeval pinnedTime{0, 0};  // the time of day unless 0; a clock below 0 fails
+static std::vector<std::string> opened;
+static std::vector<std::pair<std::string, std::string>> logged;  // each format, and what it shows
+
+// The linker's --wrap option sends the calls here; nothing reaches the real log.
+extern "C" {
+
+int __real_gettimeofday(timeval* now, void* zone);
+int __wrap_gettimeofday(timeval* now, void* zone) {
+  if (pinnedTime.tv_sec == 0) {
+    return __real_gettimeofday(now, zone);
+  }
+  *now = pinnedTime;
+  return now->tv_sec < 0 ? -1 : 0;
+}
+
+void __wrap_openlog(const char* ident, int options, int facility) {
+  EXPECT_EQ(LOG_PID, options);
+  EXPECT_EQ(LOG_USER, facility);
+  opened.emplace_back(ident);
+}
+
+void __wrap_syslog(int priority, const char* format, ...) {
+  EXPECT_EQ(LOG_INFO, priority);
+  char shown[8192];
+  va_list args;
+  va_start(args, format);
+  std::vsnprintf(shown, sizeof shown, format, args);
+  va_end(args);
+  logged.emplace_back(format, shown);
+}
+
+}  // extern "C"
+
+namespace {
+
+using namespace zot_test;
+using Lines = std::vector<std::string>;
+
+TEST(LogLine, IsStampMessageAndNewline) {
+  const TestLog log(0x20000001);
+  setenv("TZ", "UTC", 1);
+  tzset();
+  const struct {
+    timeval time;
+    const char* stamp;
+  } cases[] = {
+      {{1768465805, 123999}, "26-00-15 08:30:05,123"},
+      {{946684799, 7000}, "99-11-31 23:59:59,007"},
+      {{946684800, 0}, "100-00-01 00:00:00,000"},  // the year 2000 alone has three digits
+      {{978307200, 999999}, "01-00-01 00:00:00,999"},
+      {{-1, 0}, "01-00-01 00:00:00,999"},  // without a clock: the last one again
+  };
+  for (const auto& c : cases) {
+    pinnedTime = c.time;
+    const auto written = captured([] { ZotOsvLog(pstLog, 0x20000000, "TRACE %s(%d): ok", "f", 7); });
+    EXPECT_EQ(c.stamp + std::string(" - TRACE f(7): ok\n"), written.out);
+    EXPECT_EQ("", written.err);
+    EXPECT_STREQ(c.stamp, cpszGetTime());
+  }
+  pinnedTime = {};
+}
+
+TEST(LogLine, IsWrittenWhenMaskAndLevelShareMoreThanBitZero) {
+  const struct {
+    uint32_t level;
+    uint32_t mask;
+    int newlines;
+  } cases[] = {
+      {0x20000001, 0x20000000, 5}, {0x20000001, 0x40000000, 0}, {0x00000001, 0xFFFFFFFF, 0},
+      {0x00000005, 0x00000004, 5}, {0x00000003, 0x00000003, 5}, {0x80000001, 0x68000004, 0},
+  };
+  for (const auto& c : cases) {
+    const TestLog log(c.level);
+    const auto written = captured([&] {
+      ZotOsvLog(pstLog, c.mask, "a");
+      ZotOsvLogData(pstLog, c.mask, "b", "", 0, 0);
+      ZotOsvvLogData(pstLog, c.mask, "", 0, 0, "c");
+    });
+    EXPECT_EQ(c.newlines, std::count(written.out.begin(), written.out.end(), '\n'))
+        << c.level << " " << c.mask;
+  }
+}
+
+TEST(LogLine, IsCutAtItsBuffer) {
+  const TestLog log;
+  for (const size_t length : {0u, 1541u, 1542u, 4000u}) {
+    const std::string text(length, 'x');
+    EXPECT_EQ(length < 1542 ? text + "\n" : std::string(1542, 'x'),
+              captured([&] { ZotOsvLog(pstLog, 4, "%s", text.c_str()); }).out.substr(24));
+  }
+  const char* const none = nullptr;
+  EXPECT_EQ("\n", captured([&] { ZotOsvLog(pstLog, 4, none); }).out.substr(24));
+}
+
+TEST(LogLine, StaysWholeBesideOtherThreads) {
+  const auto lines = logLines([] {
+    const auto writer = [](char letter) {
+      for (int i = 0; i < 200; ++i) {
+        ZotOsvLog(pstLog, 4, "%s", std::string(100, letter).c_str());
+        ZotOsvSetLogLevel(pstLog, 2);
+      }
+    };
+    std::thread other(writer, 'b');
+    writer('a');
+    other.join();
+  });
+  EXPECT_EQ(200, std::count(lines.begin(), lines.end(), std::string(100, 'a')));
+  EXPECT_EQ(200, std::count(lines.begin(), lines.end(), std::string(100, 'b')));
+}
+
+TEST(LogLevel, IsReadAndChangedThroughThePointerIfThereIsOne) {
+  uint32_t shared = 0x40000000;
+  ZotOsLog log{0, &shared, ZOT_LOG_SILENT, {}};
+  ZotOsvSetLogLevel(&log, 0x20000001);
+  EXPECT_EQ(0x60000001u, shared);
+  ZotOsvResLogLevel(&log, 0x40000000);
+  EXPECT_EQ(0x20000001u, ZotOsdGetLogLevel(&log));
+  EXPECT_EQ(0x80000000u, log.localLevel);
+
+  log.level = nullptr;  // half built
+  for (ZotOsLog* none : {static_cast<ZotOsLog*>(nullptr), &log}) {
+    ZotOsvSetLogLevel(none, 0xFFFFFFFF);
+    ZotOsvResLogLevel(none, 1);
+    ZotOsvLog(none, 0xFFFFFFFF, "x");
+    EXPECT_EQ(0u, ZotOsdGetLogLevel(none));
+  }
+}
+
+TEST(LibraryLine, EndsInTheErrorAndTheIds) {
+  // The first thread's id is the process's.
+  const std::string ids = "pid=" + std::to_string(getpid()) + " tid=" + std::to_string(getpid()) + ")";
+  EXPECT_EQ((Lines{"TRACE plain", "TRACE ids(1) (" + ids, "ERROR err (2=No such file or directory)",
+                   "FATAL both(k) (17=File exists " + ids}),
+            logLines([] {
+              ZOT_LINE(ZOT_LOG_TRACE, "TRACE plain");
+              ZOT_LINE_IDS(ZOT_LOG_TRACE, "TRACE ids(%d) (pid=%u tid=%ld)", 1);
+              ZOT_LINE_ERR(ZOT_LOG_ERROR, ENOENT, "ERROR err (%d=%s)");
+              ZOT_LINE_ERR_IDS(ZOT_LOG_FATAL, EEXIST, "FATAL both(%s) (%d=%s pid=%u tid=%ld)", "k");
+            }));
+}
+
+TEST(LibraryLine, EvaluatesNothingWhileItIsOff) {
+  int evaluated = 0;
+  const TestLog log(ZOT_LOG_ERROR | ZOT_LOG_STDOUT);
+  ZOT_LINE_ERR_IDS(ZOT_LOG_DEBUG, EXDEV, "%d (%d=%s pid=%u tid=%ld)", ++evaluated);
+  ZOT_LINE(ZOT_LOG_TRACE, "%d", ++evaluated);
+  EXPECT_EQ(0, evaluated);
+}
+
+TEST(SystemLog, IsOpenedOnceAndGetsTheMessageAlone) {
+  const TestLog log(0x68000004);
+  opened.clear();
+  logged.clear();
+  dLogOpen = 0x10000000;  // this bit does not count
+  const auto written = captured([] {
+    ZotOsvLog(pstLog, 4, "FATAL f: %d", 1);
+    ZotOsvLogData(pstLog, 4, "the caller's text", nullptr, 9, 1);
+    ZotOsvvLogData(pstLog, 4, "AB", 2, 0, "dump");
+  });
+  EXPECT_EQ("", written.out);
+  EXPECT_EQ(Lines{"ZotOsLog"}, opened);
+  EXPECT_EQ(0x10000001u, dLogOpen);
+  ASSERT_EQ(3u, logged.size());
+  EXPECT_EQ("FATAL f: 1\n", logged[0].first);
+  EXPECT_EQ("\npvData = NULL !!!", logged[1].first);
+  EXPECT_EQ("dump len=    2\n\n", logged[2].first);
+}
+
+TEST(SystemLog, InterpretsOnlyConversionsThatNeedNoArgument) {
+  std::string conversions;
+  for (int i = 0; i < 770; ++i) {
+    conversions += "%s";
+  }
+  const std::pair<std::string, std::string> cases[] = {
+      {"50%% of %m", "50% of Invalid cross-device link"},
+      {"%s %n %5.2f %*d %1$s %'d %9999999m", "%s %n %5.2f %*d %1$s %'d %9999999m"},
+      {"%%s %%%s end %", "%s %%s end %"},
+      {std::string(1541, '%'), std::string(771, '%')},
+      {conversions, conversions},
+  };
+  const TestLog log(0x68000004);
+  for (const auto& [message, shown] : cases) {
+    errno = EXDEV;
+    ZotOsvLog(pstLog, 4, "%s", message.c_str());
+    EXPECT_EQ(EXDEV, errno);
+    EXPECT_EQ(shown + "\n", logged.back().second);
+  }
+}
+
+}  // namespace
