@@ -19,6 +19,9 @@ install(EXPORT zotmacguiutils NAMESPACE zotmacguiutils:: DESTINATION ${package_d
 configure_package_config_file(cmake/zotmacguiutilsConfig.cmake.in zotmacguiutilsConfig.cmake
   INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(zotmacguiutilsConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+set(pc_dir "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig")
+file(RELATIVE_PATH pc_to_prefix "${pc_dir}" "${CMAKE_INSTALL_PREFIX}")
+file(RELATIVE_PATH pc_to_include "${pc_dir}" "${CMAKE_INSTALL_FULL_INCLUDEDIR}/zotmacguiutils")
 configure_file(cmake/zotmacguiutils.pc.in zotmacguiutils.pc @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/zotmacguiutilsConfig.cmake"
   "${PROJECT_BINARY_DIR}/zotmacguiutilsConfigVersion.cmake" DESTINATION ${package_dir})

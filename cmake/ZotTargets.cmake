@@ -45,6 +45,7 @@ set_target_properties(zotmacguiutils PROPERTIES
 target_include_directories(zotmacguiutils INTERFACE
   "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>"
   "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zotmacguiutils>")
+target_compile_features(zotmacguiutils INTERFACE cxx_std_17)  # the public headers
 add_library(zotmacguiutils::zotmacguiutils ALIAS zotmacguiutils)
 
 # For the tests, which also reach what is not exported.

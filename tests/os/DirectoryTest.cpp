@@ -101,7 +101,7 @@ TEST_F(DeleteTree, EntersALinkToADirectoryAndKeepsTheLink) {
 }
 
 TEST_F(DeleteTree, LeavesWhatHasNoNameWithin255Characters) {
-  for (const size_t length : {251, 252, 253, 254, 255}) {
+  for (const size_t length : {251u, 252u, 253u, 254u, 255u}) {
     SCOPED_TRACE(length);
     const std::string tree(length, 'd');
     mkdir(tree.c_str(), 0700);

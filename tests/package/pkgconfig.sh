@@ -1,0 +1,25 @@
+#!/bin/sh
+# pkgconfig.sh STAGE SOURCES WORK VERSION: builds and runs the consumer's programs, in
+# WORK, with what pkg-config says about the library installed in STAGE.  CC and CXX
+# name the compilers.
+set -eu
+
+stage=$1
+sources=$2
+work=$3
+version=$4
+
+PKG_CONFIG_PATH=$(dirname "$(find "$stage" -name zotmacguiutils.pc)")
+export PKG_CONFIG_PATH
+pkg-config --exact-version="$version" zotmacguiutils
+LD_LIBRARY_PATH=$(pkg-config --variable=libdir zotmacguiutils)
+export LD_LIBRARY_PATH
+
+mkdir -p "$work"
+# The flags are words for the compiler.
+# shellcheck disable=SC2046
+"$CC" -std=c11 "$sources/consumer.c" -o "$work/consumer_c" $(pkg-config --cflags --libs zotmacguiutils)
+# shellcheck disable=SC2046
+"$CXX" -std=c++17 "$sources/consumer.cpp" -o "$work/consumer_cpp" $(pkg-config --cflags --libs zotmacguiutils)
+"$work/consumer_c"
+"$work/consumer_cpp"
