@@ -216,7 +216,7 @@ uint32_t ZOT_MultiLanguage::ptListAdd(ProgramTexts* table) {
   ProgramTexts** slot = std::find(registry, registry + registryCapacity, nullptr);
   if (slot == registry + registryCapacity) {
     const size_t capacity = size_t{registryCapacity} + kRegistryGrowth;
-    auto* grown = static_cast<ProgramTexts**>(std::realloc(registry, capacity * sizeof *registry));
+    auto* grown = static_cast<ProgramTexts**>(std::realloc(registry, capacity * sizeof(ProgramTexts*)));
     if (grown == nullptr) {
       ptListClear();
       return 0;
