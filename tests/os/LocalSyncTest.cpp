@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <sys/time.h>
 
-#include <optional>
 #include <thread>
 
 #include "SyncCalls.h"
@@ -26,27 +25,22 @@ class LocalSync : public testing::Test {
     EXPECT_EQ(1u, ZotOsEventClose(event));
   }
 
-  // What a wait on the event returns, times 1000, and its result word.
-  uint32_t wait(uint32_t timeoutMs) {
-    uint32_t result = 77;
-    const uint32_t passed = ZotOsEventWait(event, timeoutMs, &result);
-    return passed * 1000 + result;
-  }
+  uint32_t wait(uint32_t timeoutMs) { return waited(ZotOsEventWait, event, timeoutMs); }
 
   ZotOsMutexHandle* mutex = nullptr;
   ZotOsEventHandle* event = nullptr;
 };
 
 TEST_F(LocalSync, AMutexNeedsAsManyReleasesAsWaits) {
-  uint32_t result = 77;
-  EXPECT_EQ(1u, ZotOsMutexWait(mutex, -1, &result));
-  EXPECT_EQ(1u, result);
+  EXPECT_EQ(1001u, waited(ZotOsMutexWait, mutex, -1));
   EXPECT_EQ(1u, ZotOsMutexWait(mutex, -1, nullptr));
   const auto tryLock = [this] {
     int rc = -1;
     std::thread([this, &rc] {
       rc = pthread_mutex_trylock(&mutex->lock);
-      EXPECT_EQ(rc == 0 ? 1u : 0u, ZotOsMutexRelease(mutex)) << "only its owner releases it";
+      if (rc == 0) {
+        EXPECT_EQ(1u, ZotOsMutexRelease(mutex));
+      }
     }).join();
     return rc;
   };
@@ -74,22 +68,18 @@ TEST_F(LocalSync, AMutexKeepsThreadsApart) {
 
 // 0 tries a named mutex; on a local one it is as wrong as any number.
 TEST_F(LocalSync, AMutexEndsTheProcessOnAFiniteTimeout) {
-  for (const int32_t timeoutMs : {0, 5000}) {
-    const TestLog log;
-    std::string pid;
-    const Output output = captured([&] {
-      Child child([&] { return static_cast<int>(ZotOsMutexWait(mutex, timeoutMs, nullptr)) + 7; });
-      EXPECT_EQ(1, child.wait());
-      pid = std::to_string(child.pid());
-    });
-    const std::string text =
-        "ZotOsMutexWait - invalid timeout, only infinite supported for local pthread based mutexes.\n";
-    EXPECT_EQ(text, output.err);
-    EXPECT_THAT(output.out, testing::EndsWith(" - ERROR ZotOsMutexWait(" + addressText(mutex) +
-                                              ") invalid timeout, only infinite supported for local pthread "
-                                              "based mutexes. (pid=" +
-                                              pid + " tid=" + pid + ")\n" + text));
-  }
+  const TestLog log;
+  std::string pid;
+  const Output output = captured([&] {
+    Child child([&] { return static_cast<int>(ZotOsMutexWait(mutex, 0, nullptr)) + 7; });
+    EXPECT_EQ(1, child.wait());
+    pid = std::to_string(child.pid());
+  });
+  const std::string text = "invalid timeout, only infinite supported for local pthread based mutexes.";
+  const std::string line = "ZotOsMutexWait - " + text + "\n";
+  EXPECT_EQ(line, output.err);
+  EXPECT_THAT(output.out, testing::EndsWith(" - ERROR ZotOsMutexWait(" + addressText(mutex) + ") " + text +
+                                            " (pid=" + pid + " tid=" + pid + ")\n" + line));
 }
 
 TEST_F(LocalSync, AnEventIsConsumedByTheWaitItLetsPass) {
@@ -151,88 +141,83 @@ TEST_F(LocalSync, AnEventTakesAnyWakeUpAndReportsErrors) {
 TEST(LocalSyncLines, TellEachStep) {
   ZotOsMutexHandle* mutex = nullptr;
   ZotOsEventHandle* event = nullptr;
-  const auto lines = logLines([&] {
-    uint32_t result = 77;
+  const auto lines = joined(logLines([&] {
     ZotOsMutexCreate(&mutex, 0);
     ZotOsMutexWait(mutex, -1, nullptr);
     ZotOsMutexRelease(mutex);
-    ZotOsMutexRelease(mutex);
+    syncCalls.pthread_mutex_unlock = {EPERM};
+    EXPECT_EQ(0u, ZotOsMutexRelease(mutex));
     syncCalls.pthread_mutex_lock = {EAGAIN};
-    EXPECT_EQ(0u, ZotOsMutexWait(mutex, -1, &result));
-    EXPECT_EQ(0u, result);
+    EXPECT_EQ(0u, waited(ZotOsMutexWait, mutex, -1));
     syncCalls.pthread_mutex_destroy = {EBUSY, EBUSY, 0, EBUSY, EINVAL};
     EXPECT_EQ(1u, ZotOsMutexClose(mutex));
     ZotOsEventCreate(&event, 0);
     syncCalls.pthread_cond_destroy = {EBUSY};
     EXPECT_EQ(0u, ZotOsEventClose(event));
-  });
-  EXPECT_EQ(
-      filled({"TRACE ZotOsMutexCreate(MUTEX): (IDS)", "DEBUG ZotOsMutexWait(MUTEX) (IDS)",
-              "DEBUG ZotOsMutexRelease(MUTEX) (IDS)",
-              "ERROR ZotOsMutexRelease(MUTEX) rc=1=Operation not permitted (IDS)",
-              "ERROR ZotOsMutexWait(MUTEX) rc=11=Resource temporarily unavailable (IDS)",
-              "ERROR ZotOsMutexClose(MUTEX): destroy failed (rc=16=Device or resource busy)",
-              "ERROR ZotOsMutexClose(MUTEX): destroy failed (rc=16=Device or resource busy)",
-              "TRACE ZotOsMutexClose(MUTEX): rc=0 (IDS)", "TRACE ZotOsEventCreate(EVENT): (IDS)",
-              "ERROR ZotOsEventClose(EVENT): pthread_cond_destroy failed (rc=16=Device or resource busy)",
-              "ERROR ZotOsEventClose(EVENT): pthread_mutex_destroy failed (rc=16=Device or resource busy)",
-              "ERROR ZotOsEventClose(EVENT): pthread_mutex_destroy failed (rc=22=Invalid argument)",
-              "TRACE ZotOsEventClose(EVENT): rc=22 (IDS)"},
-             {{"MUTEX", addressText(mutex)}, {"EVENT", addressText(event)}}),
-      lines);
+  }));
+  EXPECT_EQ(filled(R"(TRACE ZotOsMutexCreate(MUTEX): (IDS)
+DEBUG ZotOsMutexWait(MUTEX) (IDS)
+DEBUG ZotOsMutexRelease(MUTEX) (IDS)
+ERROR ZotOsMutexRelease(MUTEX) rc=1=Operation not permitted (IDS)
+ERROR ZotOsMutexWait(MUTEX) rc=11=Resource temporarily unavailable (IDS)
+ERROR ZotOsMutexClose(MUTEX): destroy failed (rc=16=Device or resource busy)
+ERROR ZotOsMutexClose(MUTEX): destroy failed (rc=16=Device or resource busy)
+TRACE ZotOsMutexClose(MUTEX): rc=0 (IDS)
+TRACE ZotOsEventCreate(EVENT): (IDS)
+ERROR ZotOsEventClose(EVENT): pthread_cond_destroy failed (rc=16=Device or resource busy)
+ERROR ZotOsEventClose(EVENT): pthread_mutex_destroy failed (rc=16=Device or resource busy)
+ERROR ZotOsEventClose(EVENT): pthread_mutex_destroy failed (rc=22=Invalid argument)
+TRACE ZotOsEventClose(EVENT): rc=22 (IDS)
+)",
+                   {{"MUTEX", addressText(mutex)}, {"EVENT", addressText(event)}}),
+            lines);
 }
 
-TEST(LocalSyncLines, TellWhyNothingWasMade) {
-  const struct {
-    CallScript SyncCalls::*call;  // null: the heap
-    bool event;
-    const char* line;
-  } cases[] = {
-      {&SyncCalls::pthread_mutex_init, true, "ZotOsEventCreate(OUT): pthread_mutex_init failed (rc"},
-      {&SyncCalls::pthread_cond_init, true, "ZotOsEventCreate(OUT): pthread_cond_init failed (rc"},
-      {&SyncCalls::pthread_mutexattr_init, false, "ZotOsMutexCreate(OUT): pthread_mutexattr_init failed (rc"},
-      {&SyncCalls::pthread_mutexattr_settype, false,
-       "ZotOsMutexCreate(OUT): pthread_mutexattr_settype failed (rc"},
-      {&SyncCalls::pthread_mutex_init, false, "ZotOsMutexCreate(OUT): pthread_mutex_init failed (rc"},
-      {nullptr, true, "ZotOsEventCreate(OUT): malloc failed (errno"},
-      {nullptr, false, "ZotOsMutexCreate(OUT): malloc failed (errno"},
-  };
-  for (const auto& c : cases) {
-    ZotOsEventHandle unset{};
-    ZotOsEventHandle* event = &unset;
-    auto* mutex = reinterpret_cast<ZotOsMutexHandle*>(&unset);
-    const auto lines = logLines([&] {
-      std::optional<FailingHeap> heap;
-      if (c.call != nullptr) {
-        (syncCalls.*c.call) = {ENOMEM};
-      } else {
-        heap.emplace();
-      }
-      EXPECT_EQ(0u, c.event ? ZotOsEventCreate(&event, 0) : ZotOsMutexCreate(&mutex, 0));
-    });
-    const auto out = addressText(c.event ? static_cast<void*>(&event) : static_cast<void*>(&mutex));
-    EXPECT_EQ(filled({std::string("ERROR ") + c.line + "=12=Cannot allocate memory)"}, {{"OUT", out}}),
-              lines);
-    EXPECT_TRUE(c.event ? event == nullptr : mutex == nullptr);
-  }
-}
-
-TEST(LocalSyncLines, TellOfNullHandles) {
-  const auto lines = logLines([] {
+TEST(LocalSyncLines, TellWhyNothingWasDone) {
+  ZotOsEventHandle* event = nullptr;
+  ZotOsMutexHandle* mutex = nullptr;
+  syncCalls.pthread_mutex_init = {EAGAIN, 0, EAGAIN};
+  syncCalls.pthread_cond_init = syncCalls.pthread_mutexattr_init =
+      syncCalls.pthread_mutexattr_settype = {EAGAIN};
+  const auto lines = joined(logLines([&] {
+    EXPECT_EQ(0u, ZotOsEventCreate(&event, 0));
+    EXPECT_EQ(0u, ZotOsEventCreate(&event, 0));
+    EXPECT_EQ(0u, ZotOsMutexCreate(&mutex, 0));
+    EXPECT_EQ(0u, ZotOsMutexCreate(&mutex, 0));
+    EXPECT_EQ(0u, ZotOsMutexCreate(&mutex, 0));
+    const FailingHeap heap;
+    EXPECT_EQ(0u, ZotOsEventCreate(&event, 0));
+    EXPECT_EQ(0u, ZotOsEventOpen(&event, 1));
+    EXPECT_EQ(0u, ZotOsMutexCreate(&mutex, 0));
+    EXPECT_EQ(0u, ZotOsMutexOpen(&mutex, 1));
     EXPECT_EQ(0u, ZotOsEventSet(nullptr));
     EXPECT_EQ(0u, ZotOsEventReset(nullptr));
     EXPECT_EQ(0u, ZotOsEventWait(nullptr, 0, nullptr));
     EXPECT_EQ(0u, ZotOsMutexWait(nullptr, 0, nullptr));
     EXPECT_EQ(0u, ZotOsMutexRelease(nullptr));
     EXPECT_EQ(0u, ZotOsMutexClose(nullptr));
-  });
-  std::vector<std::string> expected;
-  for (const char* call :
-       {"EventSet", "EventReset", "EventWait", "MutexWait", "MutexRelease", "MutexClose"}) {
-    const std::string name = call;
-    expected.push_back("ERROR ZotOs" + name + "((nil)) a" + name.substr(0, 5) + " is NULL (IDS)");
-  }
-  EXPECT_EQ(filled(expected), lines);
+  }));
+  EXPECT_EQ(filled(R"(ERROR ZotOsEventCreate(EVENT): pthread_mutex_init failed (rc=AGAIN)
+ERROR ZotOsEventCreate(EVENT): pthread_cond_init failed (rc=AGAIN)
+ERROR ZotOsMutexCreate(MUTEX): pthread_mutexattr_init failed (rc=AGAIN)
+ERROR ZotOsMutexCreate(MUTEX): pthread_mutexattr_settype failed (rc=AGAIN)
+ERROR ZotOsMutexCreate(MUTEX): pthread_mutex_init failed (rc=AGAIN)
+ERROR ZotOsEventCreate(EVENT): malloc failed (errno=NOMEM)
+ERROR ZotOsEventOpen(EVENT): malloc failed (errno=NOMEM)
+ERROR ZotOsMutexCreate(MUTEX): malloc failed (errno=NOMEM)
+ERROR ZotOsMutexOpen(MUTEX): malloc failed (errno=NOMEM)
+ERROR ZotOsEventSet((nil)) aEvent is NULL (IDS)
+ERROR ZotOsEventReset((nil)) aEvent is NULL (IDS)
+ERROR ZotOsEventWait((nil)) aEvent is NULL (IDS)
+ERROR ZotOsMutexWait((nil)) aMutex is NULL (IDS)
+ERROR ZotOsMutexRelease((nil)) aMutex is NULL (IDS)
+ERROR ZotOsMutexClose((nil)) aMutex is NULL (IDS)
+)",
+                   {{"EVENT", addressText(&event)},
+                    {"MUTEX", addressText(&mutex)},
+                    {"AGAIN", "11=Resource temporarily unavailable"},
+                    {"NOMEM", "12=Cannot allocate memory"}}),
+            lines);
 }
 
 }  // namespace

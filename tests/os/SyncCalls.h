@@ -19,23 +19,33 @@ namespace zot_test {
 struct SyncCalls {
   CallScript pthread_cond_destroy = {}, pthread_cond_init = {}, pthread_cond_timedwait = {},
              pthread_cond_wait = {}, pthread_mutex_destroy = {}, pthread_mutex_init = {},
-             pthread_mutex_lock = {}, pthread_mutexattr_init = {}, pthread_mutexattr_settype = {},
-             semctl = {}, semget = {}, semop = {};
+             pthread_mutex_lock = {}, pthread_mutex_unlock = {}, pthread_mutexattr_init = {},
+             pthread_mutexattr_settype = {}, semctl = {}, semget = {}, semop = {};
 };
 extern SyncCalls syncCalls;
 
-// Threads that have entered pthread_cond_wait, each counted under its lock: who
-// takes that lock afterwards knows that they wait.
+// Threads that have entered the real pthread_cond_wait, each counted under its
+// lock: who takes that lock afterwards knows that they wait.
 extern std::atomic<int> condWaits;
 
-extern timespec lastDeadline;  // of pthread_cond_timedwait
+extern timespec lastDeadline;  // given to the last scripted pthread_cond_timedwait
 
 // Replaces each word of `values` in the lines, and IDS by the numbers of this
 // process and of its first thread, which on Linux are one.
-std::vector<std::string> filled(std::vector<std::string> lines,
-                                std::map<std::string, std::string> values = {});
+std::string filled(std::string lines, std::map<std::string, std::string> values = {});
+
+// Log lines as one text, a newline behind each.
+std::string joined(const std::vector<std::string>& lines);
 
 std::string addressText(const void* address);
+
+// What a wait returns, times 1000, and its result word.
+template <typename Handle, typename Timeout>
+uint32_t waited(uint32_t (*wait)(Handle*, Timeout, uint32_t*), Handle* handle, Timeout timeoutMs) {
+  uint32_t result = 77;
+  const uint32_t passed = wait(handle, timeoutMs, &result);
+  return passed * 1000 + result;
+}
 
 }  // namespace zot_test
 

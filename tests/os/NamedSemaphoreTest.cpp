@@ -1,0 +1,323 @@
+#include "os/NamedSemaphoreInternal.h"
+
+#include <sys/mman.h>
+
+#include <csignal>
+#include <cstring>
+#include <list>
+
+#include "SyncCalls.h"
+#include "os/SharedControlBlock.h"
+#include "os/ZotOsSync.h"
+#include "os/ZotOsSystemInternal.h"
+#include "support/Child.h"
+#include "support/LogFixture.h"
+#include "support/RefusedAttach.h"
+
+using namespace zot_test;
+
+namespace {
+
+constexpr uint32_t kKey = 0x5A0700;
+
+using Words = std::vector<int>;
+
+// An object of the test's own keeps the shared block in place, so that its words
+// can be read when the processes that counted have closed everything.
+class Named : public testing::Test {
+ protected:
+  // What forked children and their parent share.
+  struct Shared {
+    std::atomic<int> turn{0};
+    int counter = 0;
+  };
+
+  ~Named() override {
+    EXPECT_EQ(nullptr, pstLog) << "a semaphore is open still";
+    EXPECT_EQ(nullptr, pstShm.load());
+    ZotOsvLogDelete(&watch);
+    munmap(&shared, sizeof shared);
+  }
+
+  // What body logs while the shared level lets everything through.
+  std::string lines(const std::function<void()>& body) {
+    block.Log.store(kEveryLine);
+    const auto all = joined(withoutStamps(captured(body).out));
+    block.Log.store(0);
+    return all;
+  }
+
+  // ProcCnt, GlobSemCnt, NamedSemCnt, MaxNamedIdx and the first slots.
+  Words words(uint32_t slots) {
+    std::vector<uint32_t> all(4 + 2 * slots);
+    std::memcpy(all.data(), &block.ProcCnt, 4 * all.size());
+    return {all.begin(), all.end()};
+  }
+
+  ZotOsLog* watch = ZotOspLogNew();
+  SharedControlBlock& block = *static_cast<SharedControlBlock*>(watch->handle.address);
+  Shared& shared =
+      *new (mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) Shared;
+};
+
+TEST_F(Named, AMutexTellsItsWholeLife) {
+  ZotOsMutexHandle* mutex = nullptr;
+  ZotOsMutexHandle* again = nullptr;
+  std::string id;
+  std::string address;
+  const auto told = lines([&] {
+    EXPECT_EQ(1u, ZotOsMutexCreate(&mutex, kKey));
+    id = std::to_string(mutex->semId);
+    address = addressText(pstShm);
+    EXPECT_EQ(1u, ZotOsMutexCreate(&again, kKey));
+    EXPECT_EQ(1001u, waited(ZotOsMutexWait, mutex, -1));
+    EXPECT_EQ(1999u, waited(ZotOsMutexWait, again, 0));
+    EXPECT_EQ(1u, ZotOsMutexRelease(again));
+    EXPECT_EQ(1u, ZotOsMutexRelease(mutex));
+    EXPECT_EQ(1u, ZotOsMutexClose(mutex));
+    EXPECT_EQ(1u, ZotOsMutexClose(again));
+  });
+  EXPECT_EQ(filled(R"(TRACE fIncNamedSemCnt(ID) new: cnt[0]=1 SemCnt=1 MaxIdx=1 (IDS)
+TRACE ZotOsCreateM(ID): semval=1 LocSemCnt=1 Shm=SHM GlobSemCnt=1 NamedSemCnt=1 MaxNamedIdx=1 Log=68000005 (IDS)
+TRACE fIncNamedSemCnt(ID) inc: cnt[0]=2 SemCnt=2 MaxIdx=1 (IDS)
+TRACE ZotOsOpenM(ID): semval=1 LocSemCnt=2 Shm=SHM GlobSemCnt=2 NamedSemCnt=2 MaxNamedIdx=1 Log=68000005 (IDS)
+DEBUG ZotOsSetM(ID) entry: semval=1 (IDS)
+DEBUG ZotOsSetM(ID) exit: semval=0 (IDS)
+DEBUG ZotOsSetM(ID) entry: semval=0 (IDS)
+DEBUG ZotOsSetM(ID) exit-NO_WAIT: semval=0 (IDS)
+DEBUG ZotOsReleaseM(ID) entry: semval=0 (IDS)
+DEBUG ZotOsReleaseM(ID) exit: semval=1 (IDS)
+DEBUG ZotOsReleaseM(ID) entry: semval=1 (IDS)
+TRACE ZotOsCloseM(ID): LocSemCnt=2 Shm=SHM (IDS)
+TRACE ZotOsClose shm: GlobSemCnt=2 NamedSemCnt=2 MaxNamedIdx=1 Log=68000005
+TRACE dDecNamedSemCnt(ID): cnt[0]=1 SemCnt=1 MaxIdx=1 (IDS)
+TRACE ZotOsClose shm: GlobSemCnt=1
+TRACE ZotOsCloseM(ID): LocSemCnt=1 Shm=SHM (IDS)
+TRACE ZotOsClose shm: GlobSemCnt=1 NamedSemCnt=1 MaxNamedIdx=1 Log=68000005
+TRACE dDecNamedSemCnt(ID): cnt[0]=0 SemCnt=0 MaxIdx=1 (IDS)
+TRACE ZotOsClose shm: GlobSemCnt=0
+TRACE ZotOsClose: DeleteLog=0
+TRACE ZotOsMmfClose(SEG): shm 2 attached processes
+TRACE ZotOsMmfClose(SEG): detach shm (SHM)
+)",
+                   {{"ID", id}, {"SHM", address}, {"SEG", std::to_string(watch->handle.shmId)}}),
+            told);
+}
+
+TEST_F(Named, AnEventCountsItsResets) {
+  ZotOsEventHandle* event = nullptr;
+  ZotOsEventHandle* opened = nullptr;
+  EXPECT_EQ(0u, ZotOsEventOpen(&opened, kKey)) << "nobody has made it";
+  EXPECT_EQ(0u, ZotOsEventOpen(&opened, 0));
+  EXPECT_EQ(nullptr, opened);
+  ASSERT_EQ(1u, ZotOsEventCreate(&event, kKey));
+  ASSERT_EQ(1u, ZotOsEventOpen(&opened, kKey));
+  EXPECT_EQ(1u, event->isNamed);
+  EXPECT_EQ(event->semId, opened->semId);
+  const auto told = lines([&] {
+    EXPECT_EQ(1u, ZotOsEventSet(event));
+    EXPECT_EQ(1u, ZotOsEventSet(opened));
+  });
+  EXPECT_EQ(filled(R"(DEBUG ZotOsEventSet(FIRST) entry: semval=0 (IDS)
+DEBUG ZotOsEventSet(FIRST): exit: semval=1 (IDS)
+DEBUG ZotOsEventSet(SECOND) entry: semval=1 (IDS)
+DEBUG ZotOsEventSet(SECOND): exit: semval=1 (IDS)
+)",
+                   {{"FIRST", addressText(event)}, {"SECOND", addressText(opened)}}),
+            told);
+  EXPECT_EQ(1u, ZotOsEventReset(event));
+  EXPECT_EQ(2, ZotOsSemaphoreVal(event->semId));
+  for (const uint32_t result : {1001u, 1001u, 1999u}) {
+    EXPECT_EQ(result, waited(ZotOsEventWait, opened, 0u));
+  }
+  EXPECT_EQ(1u, ZotOsEventClose(event));
+  EXPECT_EQ(0, ZotOsSemaphoreVal(opened->semId)) << "the first of two closes keeps it";
+  const Output output = captured([&] {
+    EXPECT_EQ(0, runInChild([&] { return static_cast<int>(ZotOsEventWait(opened, 5000, nullptr)) + 7; }));
+  });
+  EXPECT_EQ("Timeout in Events not supported for MacOSX (you're timeout=5000)\n", output.out);
+  EXPECT_EQ(1u, ZotOsEventClose(opened));
+}
+
+TEST_F(Named, SixtyFitTheTableAndOneMoreOnlyWorks) {
+  std::vector<ZotOsMutexHandle*> all(60);
+  uint32_t key = kKey;
+  for (auto& mutex : all) {
+    EXPECT_EQ(1u, ZotOsMutexCreate(&mutex, key++));
+  }
+  ZotOsMutexHandle* last = nullptr;
+  const auto told = lines([&] { EXPECT_EQ(1u, ZotOsMutexCreate(&last, key)); });
+  EXPECT_EQ(filled("ERROR ZotOsCreateM(ID): shared mem not installed or runs over\n"
+                   "TRACE ZotOsCreateM(ID): semval=1 LocSemCnt=61 Shm=SHM GlobSemCnt=61 NamedSemCnt=61 "
+                   "MaxNamedIdx=60 Log=68000005 (IDS)\n",
+                   {{"ID", std::to_string(last->semId)}, {"SHM", addressText(pstShm)}}),
+            told);
+  EXPECT_EQ((Words{2, 61, 61, 60}), words(0));
+  EXPECT_EQ(all[59]->semId, block.cnt[59].semId.load());
+  EXPECT_EQ(1u, ZotOsMutexClose(last));
+  EXPECT_EQ(-1, semget(static_cast<key_t>(key), 0, 0)) << "its first close removes it";
+
+  EXPECT_EQ(1u, ZotOsMutexClose(all[7]));
+  EXPECT_EQ(kFreeSlot, block.cnt[7].semId.load());
+  EXPECT_EQ(1u, ZotOsMutexCreate(&all[7], key));
+  EXPECT_EQ(all[7]->semId, block.cnt[7].semId.load()) << "the first free slot";
+  for (auto* mutex : all) {
+    EXPECT_EQ(1u, ZotOsMutexClose(mutex));
+  }
+  EXPECT_EQ((Words{1, 0, 1, 60}), words(0)) << "the one without a slot stays counted";
+  EXPECT_EQ(1u, ZotOsMutexCreate(&last, kKey));
+  EXPECT_EQ((Words{2, 1, 1, 1, last->semId, 1, -1, 0}), words(2)) << "set up anew";
+  EXPECT_EQ(1u, ZotOsMutexClose(last));
+}
+
+// In a block where nobody has created anything the table has no free slot.
+TEST_F(Named, AnOpenNeedsALogObjectAndDoesNotSetTheTableUp) {
+  int32_t id = semget(kKey, 1, IPC_CREAT | 0600);
+  block.Log.store(ZOT_LOG_ERROR | ZOT_LOG_STDOUT);
+  const Output opened = captured([&] { EXPECT_EQ(1u, ZotOsOpen(&id, kKey, 'E')); });
+  EXPECT_EQ("ERROR ZotOsOpenE(" + std::to_string(id) + "): shared mem not installed or runs over\n",
+            joined(withoutStamps(opened.out)));
+  EXPECT_EQ((Words{2, 1, 1, 0, 0, 0}), words(1));
+  EXPECT_EQ(1u, ZotOsClose(id, 'E'));
+  EXPECT_EQ((Words{1, 0, 1, 0}), words(0));
+  EXPECT_EQ(0u, fIncNamedSemCnt(1)) << "no block";
+  EXPECT_EQ(1u, ZotOsClose(-1, 'E'));
+
+  // The failed attachment removes the segment for everybody, so this comes last.
+  const Output refused = captured([&] {
+    const RefusedAttach refusal(EMFILE);
+    EXPECT_EQ(0u, ZotOsCreate(&id, kKey, 0, 'E'));
+    EXPECT_EQ(-1, semget(kKey, 0, 0)) << "what it made is removed";
+    semget(kKey, 1, IPC_CREAT | 0600);
+    EXPECT_EQ(0u, ZotOsOpen(&id, kKey, 'E'));
+  });
+  EXPECT_EQ(filled("FATAL ZotOsOpenE(" + std::to_string(id) + "): pstLog is not created (IDS)"), refused.err);
+  EXPECT_EQ(0, semctl(id, 0, IPC_RMID));
+}
+
+// Four processes open three mutexes each, one process after the other, then count
+// together under the first one, and close again one after the other.
+TEST_F(Named, ProcessesAreKeptApartAndCountedExactly) {
+  const auto inTurn = [&](int turn, const std::function<void()>& step) {
+    EXPECT_TRUE(waitUntil([&] { return shared.turn == turn; }));
+    step();
+    ++shared.turn;
+  };
+  const auto process = [&](int number) {
+    ZotOsMutexHandle* mutexes[3] = {};
+    inTurn(number, [&] {
+      for (uint32_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(1u, ZotOsMutexCreate(&mutexes[i], kKey + i));
+      }
+    });
+    EXPECT_TRUE(waitUntil([&] { return shared.turn > 4; }));
+    for (int n = 0; n < 2000; ++n) {
+      ZotOsMutexWait(mutexes[0], -1, nullptr);
+      shared.counter = shared.counter + 1;
+      ZotOsMutexRelease(mutexes[0]);
+    }
+    inTurn(5 + number, [&] {
+      for (auto* mutex : mutexes) {
+        EXPECT_EQ(1u, ZotOsMutexClose(mutex));
+      }
+    });
+    return 0;
+  };
+  std::list<Child> children;
+  for (int number = 0; number < 4; ++number) {
+    children.emplace_back([&, number] { return process(number); });
+  }
+  inTurn(4, [&] {
+    Words expected{5, 12, 12, 3};
+    for (key_t key = kKey; key < static_cast<key_t>(kKey + 3); ++key) {
+      expected.insert(expected.end(), {semget(key, 0, 0), 4});
+    }
+    for (int free = 3; free < 60; ++free) {
+      expected.insert(expected.end(), {-1, 0});
+    }
+    EXPECT_EQ(expected, words(60));
+  });
+  for (auto& child : children) {
+    EXPECT_EQ(0, child.wait());
+  }
+  EXPECT_EQ(8000, shared.counter);
+  EXPECT_EQ((Words{1, 0, 0, 3, -1, 0, -1, 0, -1, 0}), words(3));
+}
+
+TEST_F(Named, AKilledHolderLeavesTheMutexTaken) {
+  Child holder([&] {
+    ZotOsMutexHandle* mutex = nullptr;
+    ZotOsMutexCreate(&mutex, kKey);
+    ZotOsMutexWait(mutex, -1, nullptr);
+    shared.turn = 1;
+    return pause();
+  });
+  ASSERT_TRUE(waitUntil([&] { return shared.turn == 1; }));
+  holder.kill(SIGKILL);
+  EXPECT_EQ(128 + SIGKILL, holder.wait());
+
+  ZotOsMutexHandle* mutex = nullptr;
+  ASSERT_EQ(1u, ZotOsMutexOpen(&mutex, kKey));
+  const int32_t id = mutex->semId;
+  EXPECT_EQ(1999u, waited(ZotOsMutexWait, mutex, 0));
+  EXPECT_EQ(1u, ZotOsMutexRelease(mutex));
+  EXPECT_EQ(1001u, waited(ZotOsMutexWait, mutex, 0));
+  EXPECT_EQ(1u, ZotOsMutexClose(mutex));
+  EXPECT_EQ((Words{2, 1, 1, 1, id, 1}), words(1)) << "the dead process stays counted";
+  EXPECT_EQ(0, semctl(id, 0, IPC_RMID)) << "and its set stays; the segment goes";
+}
+
+TEST_F(Named, FailuresAreTold) {
+  ZotOsEventHandle* event = nullptr;
+  ASSERT_EQ(1u, ZotOsEventCreate(&event, kKey));
+  const auto id = std::to_string(event->semId);
+  const auto wait = [&] { return waited(ZotOsEventWait, event, UINT32_MAX); };
+  const auto started = std::chrono::steady_clock::now();
+  const auto told = lines([&] {
+    int32_t other = 77;
+    syncCalls.semget = {ENOSPC, EEXIST, ENOENT};
+    EXPECT_EQ(0u, ZotOsCreate(&other, 0xABCD, 1, 'M'));
+    EXPECT_EQ(-1, other);
+    EXPECT_EQ(0u, ZotOsCreate(&other, 0xABCD, 1, 'M'));
+    EXPECT_EQ(0u, ZotOsCreate(&other, 0xABCD, 32768, 'M'));
+    EXPECT_EQ(-1, semget(0xABCD, 0, 0)) << "a set without its value is removed";
+    syncCalls.semop = {EINTR, EINTR, EIDRM, EAGAIN, ERANGE, EINTR};
+    EXPECT_EQ(0u, wait());
+    EXPECT_EQ(1999u, wait());
+    EXPECT_EQ(0u, ZotOsEventReset(event));
+    fShutdown = 1;
+    EXPECT_EQ(0u, wait());
+    fShutdown = 0;
+    block.Log.store(ZOT_LOG_ERROR | ZOT_LOG_STDOUT);
+    syncCalls.semctl = {EPERM, EINVAL};
+    EXPECT_EQ(0u, ZotOsClose(event->semId, 'E'));
+  });
+  EXPECT_LE(std::chrono::milliseconds(150), std::chrono::steady_clock::now() - started);
+  EXPECT_EQ(filled(R"(FATAL ZotOsCreateM: semget (key=0xABCD) failed (28=No space left on device IDS)
+FATAL ZotOsOpenM(-1): semctl failed (2=No such file or directory IDS)
+FATAL ZotOsCreateM: key=0xABCD already created, but ZotOsOpen failed (2=No such file or directory IDS)
+FATAL ZotOsCreateM: semctl failed (34=Numerical result out of range IDS)
+DEBUG ZotOsSetE(ID) entry: semval=0 (IDS)
+!!!!!! semop interrupted: 4=Interrupted system call shutd=0
+!!!!!! semop interrupted: 4=Interrupted system call shutd=0
+ERROR ZotOsSetE(ID): semop failed (semval=0) (43=Identifier removed IDS)
+DEBUG ZotOsSetE(ID) entry: semval=0 (IDS)
+DEBUG ZotOsSetE(ID) exit-TIMEOUT: semval=0 (IDS)
+DEBUG ZotOsReleaseE(ID) entry: semval=0 (IDS)
+ERROR ZotOsReleaseE(ID): semop failed (semval=0) (34=Numerical result out of range IDS)
+DEBUG ZotOsSetE(ID) entry: semval=0 (IDS)
+!!!!!! semop interrupted: 4=Interrupted system call shutd=1
+ERROR ZotOsSetE(ID): semop failed (semval=0) (4=Interrupted system call IDS)
+ERROR ZotOsCloseE: semctl failed (1=Operation not permitted IDS)
+)",
+                   {{"ID", id}}),
+            told);
+  EXPECT_EQ((Words{2, 1, 0, 1, -1, 0}), words(1)) << "the reference is gone, the counts are not";
+  const Output output = captured([&] { EXPECT_EQ(1u, ZotOsEventSet(event)) << "callers rely on 1"; });
+  EXPECT_EQ(
+      filled("FATAL ZotOsEventSet(" + addressText(event) + "): semctl failed (22=Invalid argument IDS)\n"),
+      output.err);
+  EXPECT_EQ(1u, ZotOsEventClose(event));
+}
+
+}  // namespace
