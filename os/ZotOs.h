@@ -4,6 +4,7 @@
 
 #include "os/ZotOsFile.h"
 #include "os/ZotOsMmf.h"
+#include "os/ZotOsProcess.h"
 #include "os/ZotOsSync.h"
 #include "os/ZotOsSystem.h"
 #include "os/zot_string.h"

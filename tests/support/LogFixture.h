@@ -3,6 +3,7 @@
 #define ZOT_TESTS_LOG_FIXTURE_H
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <functional>
 #include <regex>
@@ -52,6 +53,11 @@ inline std::vector<std::string> withoutStamps(const std::string& text) {
 inline std::vector<std::string> logLines(const std::function<void()>& body, uint32_t level = kEveryLine) {
   const TestLog log(level);
   return withoutStamps(captured(body).out);
+}
+
+// How most lines end, when the calling thread logs them.
+inline std::string callerIds() {
+  return "pid=" + std::to_string(getpid()) + " tid=" + std::to_string(gettid());
 }
 
 }  // namespace zot_test
