@@ -7,6 +7,7 @@
 #include "os/ZotOsProcess.h"
 #include "os/ZotOsSync.h"
 #include "os/ZotOsSystem.h"
+#include "os/ZotOsThread.h"
 #include "os/zot_string.h"
 
 #endif

@@ -1,0 +1,55 @@
+// The live threads behind the 32-bit handles that callers hold.
+//
+// A thread is registered before its handle is given out and leaves while its
+// pthread_t is still valid, however it ends.  Everything that uses a pthread_t does
+// so under the registry's lock, so a handle of the past meets no stranger.
+#ifndef ZOT_THREAD_REGISTRY_INTERNAL_H
+#define ZOT_THREAD_REGISTRY_INTERNAL_H
+
+#include <pthread.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <mutex>
+
+#include "os/ZotOsThread.h"
+
+class ThreadRegistry {
+ public:
+  // The process's registry; it outlives static destructors, as detached threads do.
+  static ThreadRegistry& instance();
+
+  ThreadRegistry() = default;
+  ThreadRegistry(const ThreadRegistry&) = delete;
+  ThreadRegistry& operator=(const ThreadRegistry&) = delete;
+
+  // Creates a thread and stores its handle before the thread runs.  Returns 0, or the
+  // error number with *handle 0.
+  int start(const pthread_attr_t& attributes, ZotOsThreadRoutine routine, void* arg, uint32_t* handle);
+
+  // Returns 0, or ESRCH when the handle's thread has ended.
+  int cancel(uint32_t handle);
+
+  size_t size();
+
+  // Goes on with the handle behind this one; for reaching the end of the numbers.
+  void continueAfter(uint32_t lastHandle);
+
+ private:
+  class Membership;
+  struct Start;
+
+  static void* run(void* start);
+  static thread_local Membership membership_;
+
+  uint32_t unusedHandle() const;
+  void leave(uint32_t handle);
+  void keepOnlyCaller();
+
+  std::mutex mutex_;
+  std::map<uint32_t, pthread_t> threads_;
+  uint32_t lastHandle_ = 0;
+};
+
+#endif
