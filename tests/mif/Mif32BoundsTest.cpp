@@ -2,10 +2,12 @@
 // address sanitizer sees any access outside them.
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <memory>
 #include <string>
 
 #include "mif/Mif32.h"
+#include "mif/zotmif.h"
 #include "tests/mif/MifBytes.h"
 
 namespace {
@@ -98,6 +100,33 @@ TEST(Mif32Bounds, AGrowthBehindAClaimedLengthShowsZeros) {
   EXPECT_EQ(1u, empty.RawAddByte('d'));
   EXPECT_EQ(std::string("\0\0d", 3), contents(empty));
   EXPECT_EQ(2u + 1 + 1000, empty.GetAllocLen());
+}
+
+// Nothing swaps bytes, so a message belongs to hosts of one order.
+TEST(Mif32Bounds, AMessageOfTheOtherByteOrderHasNoneOfItsFields) {
+  const std::string big("\0\7\0\4\1\2\3\4\0\10\0\3abc\xFF\xFF", 17);
+  const std::string little("\7\0\4\0\4\3\2\1\10\0\3\0abc\xFF\xFF", 17);
+  const bool isLittle = std::endian::native == std::endian::little;
+  const std::string& foreign = isLittle ? big : little;
+  unsigned int number = 0;
+  char text[8] = "";
+  Mif32 ours, theirs;
+  load(ours, isLittle ? little : big);
+  EXPECT_EQ(1u, ours.GetInt(7, &number, 1));
+  EXPECT_EQ(0x01020304u, number);
+  EXPECT_EQ(1u, ours.GetStr(8, text, sizeof text, 1));
+  EXPECT_STREQ("abc", text);
+
+  load(theirs, foreign);
+  EXPECT_EQ(0u, theirs.GetInt(7, &number, 1));
+  EXPECT_EQ(0u, theirs.GetStr(8, text, sizeof text, 1));
+  EXPECT_EQ(0u, zotmifGetInt(bytesOf(foreign), 17, 7, &number, 1));
+  // What it does have is one field 0x0700 of 1,024 bytes, of which 13 are there.
+  EXPECT_EQ(0u, theirs.DelOid(7));
+  EXPECT_EQ(0u, zotmifGetStr(bytesOf(foreign), 17, 0x0700, nullptr, 2000, 1));
+  exercise(theirs);
+  EXPECT_EQ(foreign, contents(theirs).substr(0, 17));
+  EXPECT_GT(2000u, theirs.GetAllocLen());
 }
 
 }  // namespace
