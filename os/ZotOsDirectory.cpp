@@ -59,7 +59,7 @@ void deleteEntries(const char* path) {
   if (level == nullptr) {
     return;
   }
-  // The longest paths cut the end of the pattern, which matches everything even so.
+  // A path that cuts more off the pattern than its end is too long for any entry.
   sprintf_zot(level->entry, sizeof level->entry, "%s/*.*", path);
   uint32_t type = 0;
   uint32_t found = ZotOsFindFirst(&level->find, level->entry, level->name, &type, nullptr, nullptr);
@@ -98,10 +98,8 @@ uint32_t ZotOsChkAndCreateDir(const char* path) {
 }
 
 uint32_t ZotOsDeleteDirTree(const char* path) {
-  const size_t length = std::strlen(path);
-  // An empty path would search the root directory; and when a separator and one
-  // character do not fit behind the path, no entry of it can be named.
-  if (length > 0 && length + 2 < kTreeText) {
+  // The pattern for an empty path would search the root directory.
+  if (path[0] != '\0') {
     deleteEntries(path);
   }
   return ZotOsDeleteDir(path);

@@ -39,6 +39,7 @@ TEST_F(CreateDirectory, MakesEveryMissingComponentForItsOwnerOnly) {
       {whole() + "/e//f/", {"e", "e/f"}},
       {"i\\j", {"i", "i\\j"}},
       {"\\k", {"\\k"}},
+      {"l\\", {"l\\"}},
       {"m", {"m"}},
       {repeated("n", "/.", 249), {"n"}},  // 499 characters
   };
@@ -53,6 +54,7 @@ TEST_F(CreateDirectory, MakesEveryMissingComponentForItsOwnerOnly) {
   }
   EXPECT_EQ(0u, ZotOsChkAndCreateDir(repeated("nn", "/.", 249).c_str()));
   EXPECT_FALSE(exists("nn"));
+  EXPECT_FALSE(exists("l"));
   EXPECT_EQ(1u, ZotOsChkAndCreateDir(repeated("n", "/.", 300).c_str())) << "it exists";
 }
 

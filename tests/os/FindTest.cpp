@@ -36,6 +36,7 @@ class Find : public zot_test::TemporaryDirectory {
     for (; more != 0; more = ZotOsFindNext(&find, name, nullptr, nullptr, nullptr)) {
       names.insert(name);
     }
+    EXPECT_TRUE(find.dir == nullptr || name[0] == '\0') << "the end leaves an empty name";
     EXPECT_EQ(1u, ZotOsFindClose(&find));
     return names;
   }
