@@ -16,6 +16,7 @@ namespace {
 
 constexpr uint32_t kEnglish = 2;
 constexpr uint32_t kRegistryGrowth = 2;
+constexpr size_t kSlotSize = sizeof(void*);
 
 // Both tables are indexed by language number - 1.
 constexpr std::string_view cMlFileExtension[] = {".de", ".en", ".es", ".fr", ".it", ".se",
@@ -216,7 +217,7 @@ uint32_t ZOT_MultiLanguage::ptListAdd(ProgramTexts* table) {
   ProgramTexts** slot = std::find(registry, registry + registryCapacity, nullptr);
   if (slot == registry + registryCapacity) {
     const size_t capacity = size_t{registryCapacity} + kRegistryGrowth;
-    auto* grown = static_cast<ProgramTexts**>(std::realloc(registry, capacity * sizeof(ProgramTexts*)));
+    auto* grown = static_cast<ProgramTexts**>(std::realloc(registry, capacity * kSlotSize));
     if (grown == nullptr) {
       ptListClear();
       return 0;
