@@ -208,17 +208,25 @@ TEST_F(Loader, WithoutMemoryNothingIsLost) {
   }
   EXPECT_EQ(file("english.dat"), loader.buildFilePathName(2)) << "built later, the directory as it was";
   {
-    FailingHeap heap(3);  // the array and two of three texts
+    FailingHeap heap(4);  // the mutex, the array and two of three texts
     EXPECT_EQ(nullptr, loader.loadProgramTexts(3, 0, 0, nullptr)) << "no table pretends to be whole";
   }
   EXPECT_EQ("one3", text(load(), 2, 1));
+
+  auto other = std::make_unique<ZOT_MultiLanguage>();
+  other->buildFilePathName(2);
+  std::unique_ptr<FailingHeap> heap(new FailingHeap(5));  // everything but the registry
+  const Table unregistered(other->loadProgramTexts(3, 0, 0, nullptr));
+  heap.reset();
+  other.reset();
+  EXPECT_EQ("one", text(unregistered, 1)) << "and it does not call its loader any more";
 }
 
 TEST_F(Loader, ReloadsWhileOtherThreadsLookUpAndTablesComeAndGo) {
   write("english.dat", "one");
   write("deutsch.dat", "eins");
   const Table table = load();
-  std::atomic<int> lookups{0}, wrong{0};
+  std::atomic<int> lookups{0}, wrong{0}, passed{0};
   std::atomic<bool> done{false};
   const auto lookUp = [&] {
     while (!done) {
@@ -232,13 +240,15 @@ TEST_F(Loader, ReloadsWhileOtherThreadsLookUpAndTablesComeAndGo) {
     while (!done) {
       ProgramTexts passing(&loader, 3, 0, 0);
       loader.ptListAdd(&passing);
+      ++passed;
     }
   };
   std::vector<std::thread> threads;
   threads.emplace_back(lookUp);
   threads.emplace_back(lookUp);
   threads.emplace_back(comeAndGo);
-  for (unsigned int i = 0; i < 200 || lookups < 200; ++i) {
+  threads.emplace_back(comeAndGo);
+  for (unsigned int i = 0; i < 200 || lookups < 200 || passed < 200; ++i) {
     loader.SetLanguageId(1 + i % 2);
   }
   done = true;

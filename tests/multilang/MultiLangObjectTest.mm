@@ -2,6 +2,7 @@
 
 #include "multilang/FoundationTest.h"
 #include "multilang/LanguageFileBytes.h"
+#include "support/FailingHeap.h"
 
 namespace {
 
@@ -104,7 +105,10 @@ TEST_F(MultiLang, AChangeOfLanguageReachesTheTextsThatAreLoaded) {
   [texts loadProgramTextsForFormId:boxed(3)];
   [texts loadProgramTextsForFormId:boxed(3)];
   EXPECT_EQ("Save", utf8([texts prgTextForSubNr:boxed(0)]));
-  [texts setLanguage:boxed(4)];
+  {
+    FailingHeap heap(3);  // the path and one table with one text: the first load's table is gone
+    [texts setLanguage:boxed(4)];
+  }
   EXPECT_EQ("Préférences", utf8([texts prgTextForSubNr:boxed(0)]));
   [texts setLanguage:nil];
   EXPECT_EQ("Save", utf8([texts prgTextForSubNr:boxed(0)]));

@@ -118,6 +118,10 @@ TEST(ProgramTexts, TwoResultsStayValidTogether) {
     EXPECT_EQ(first, each->getPrgTextDefA(7, 8, 1, nullptr, nullptr, 0));
     each->getPrgTextDefW(1, 0, 1, nullptr, nullptr, 0);
     EXPECT_STREQ("7 8 (Text missing)", first) << "the wide message took the second buffer";
+    each->getPrgTextDefA(1, 0, 1, "the second buffer would be next", nullptr, 0);
+    each->ClearAllTexts();
+    EXPECT_STREQ("", first) << "clearing zeroes the buffers";
+    EXPECT_EQ(first, each->getPrgTextDefA(1, 2, 1, nullptr, nullptr, 0)) << "and starts again with the first";
   }
 }
 
