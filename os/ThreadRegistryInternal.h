@@ -33,7 +33,7 @@ class ThreadRegistry {
 
   size_t size();
 
-  // Goes on with the handle behind this one; for reaching the end of the numbers.
+  // The next handle is the one behind this, or the first unused one after that.
   void continueAfter(uint32_t lastHandle);
 
  private:

@@ -2,8 +2,8 @@
 //
 // A thread is known by a 32-bit handle, never 0, that belongs to it alone while
 // it lives.  A thread ends by returning, by ZotOsThreadEnd or by being cancelled;
-// nobody joins it.  Cancelling and ZotOsThreadEnd unwind the thread's functions, so a
-// C++ worker needs no noexcept and no catch (...) that swallows on that path.
+// nobody joins it.  Cancelling and ZotOsThreadEnd unwind the thread's functions: a C++
+// worker must have no noexcept on that path and no catch (...) that does not rethrow.
 //
 // A state word, 32 bits and owned by the caller, is shared with the worker:
 //   0  not running: written by the worker just before it returns

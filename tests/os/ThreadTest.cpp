@@ -18,11 +18,9 @@ namespace {
 using namespace zot_test;
 using Lines = std::vector<std::string>;
 
-uint32_t read(const uint32_t& state) {
-  return __atomic_load_n(&state, __ATOMIC_ACQUIRE);
-}
-void write(uint32_t& state, uint32_t value) {
-  __atomic_store_n(&state, value, __ATOMIC_RELEASE);
+// The state word as its worker and its caller share it.
+std::atomic_ref<uint32_t> shared(uint32_t& state) {
+  return std::atomic_ref(state);
 }
 
 size_t live() {
@@ -69,11 +67,11 @@ struct Worker {
 
   static void* run(void* self) {
     auto& worker = *static_cast<Worker*>(self);
-    while (!worker.released && !(worker.listens && read(worker.state) == 3)) {
+    while (!worker.released && !(worker.listens && shared(worker.state) == 3)) {
       sched_yield();
     }
     if (worker.listens) {
-      write(worker.state, 0);
+      shared(worker.state) = 0;
     }
     return nullptr;
   }
@@ -186,12 +184,12 @@ TEST_F(Thread, ThatCannotBeCreatedClearsHandleAndState) {
 TEST_F(Thread, StartsOncePerStateWord) {
   Worker worker;
   EXPECT_EQ(1u, ZotOsThreadStart(nullptr, &worker.state, Worker::run, &worker));
-  EXPECT_EQ(1u, read(worker.state));
+  EXPECT_EQ(1u, shared(worker.state));
   uint32_t handle = 77;
   EXPECT_EQ(1u, ZotOsThreadStart(&handle, &worker.state, returnAtOnce, &ended));
   EXPECT_EQ(77u, handle) << "nothing was started, nothing is stored";
   EXPECT_EQ(1u, live());
-  write(worker.state, 3);
+  shared(worker.state) = 3;
   ASSERT_TRUE(allGone());
   EXPECT_EQ(1u, ZotOsThreadStart(&handle, nullptr, returnAtOnce, &ended));
   EXPECT_NE(77u, handle);
@@ -226,9 +224,9 @@ TEST_F(Thread, IsStoppedByCountingPolls) {
     EXPECT_EQ(expected, logLines(stop)) << c.pollCount;
     EXPECT_EQ(c.timedOut == nullptr ? 1u : 0u, result);
     if (c.listens) {
-      EXPECT_TRUE(waitUntil([&] { return read(worker.state) == 0; }));
+      EXPECT_TRUE(waitUntil([&] { return shared(worker.state) == 0; }));
     } else {
-      EXPECT_EQ(3u, read(worker.state));
+      EXPECT_EQ(3u, shared(worker.state));
       EXPECT_EQ(1u, live()) << "it goes on running";
     }
     worker.released = true;
@@ -239,16 +237,16 @@ TEST_F(Thread, IsStoppedByCountingPolls) {
 TEST_F(Thread, BlockedInAWaitIsWokenByTheCallback) {
   static uint32_t state, gate;  // the callback knows only its number
   const auto wait = [](void*) -> void* {
-    while (read(gate) == 0) {
+    while (shared(gate) == 0) {
       sched_yield();
     }
-    write(state, read(state) == 3 && read(gate) == 5 ? 0 : 9);
+    shared(state) = shared(state) == 3 && shared(gate) == 5 ? 0 : 9;
     return nullptr;
   };
-  const auto wake = [](uint32_t number) { write(gate, number); };
+  const auto wake = [](uint32_t number) { shared(gate) = number; };
   ASSERT_EQ(1u, ZotOsThreadStart(nullptr, &state, wait, nullptr));
   EXPECT_EQ(1u, ZotOsThreadStop(nullptr, &state, 100, wake, 5, nullptr));
-  EXPECT_EQ(0u, read(state)) << "the request comes before the wake-up";
+  EXPECT_EQ(0u, shared(state)) << "the request comes before the wake-up";
 
   EXPECT_EQ(Lines{"TRACE ZotOsThreadStop: thread  is stopped"},
             logLines([&] { EXPECT_EQ(1u, ZotOsThreadStop(nullptr, &state, 1, wake, 6, nullptr)); }));
