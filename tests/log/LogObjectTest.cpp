@@ -39,8 +39,7 @@ TEST(LogObject, OfTheFirstProcessMakesTheBlock) {
   EXPECT_EQ(nullptr, pstLog) << "its caller stores it there";
   shmid_ds status{};
   ASSERT_EQ(0, shmctl(shmget(0x8009, 0, 0), IPC_STAT, &status));
-  EXPECT_EQ(500u, status.shm_segsz);
-  EXPECT_EQ(0666, status.shm_perm.mode & 0777);
+  EXPECT_TRUE(status.shm_segsz == 500 && (status.shm_perm.mode & 0777) == 0666);
   EXPECT_EQ(log->handle.address, log->level);
   EXPECT_EQ((std::vector<uint32_t>{0, 1, 0}), words(log));
   EXPECT_EQ(0x80000000u, log->localLevel);
@@ -54,7 +53,6 @@ TEST(LogObject, OfTheFirstProcessMakesTheBlock) {
             withoutStamps(written.out));
   EXPECT_EQ(nullptr, pstLog);
   ZotOsvLogDelete(&pstLog);
-  ZotOsvLogDelete(nullptr);
   EXPECT_EQ(-1, shmget(0x8009, 0, 0));
 }
 
