@@ -73,7 +73,7 @@ void ZotOsvLogDelete(ZotOsLog** log) {
   // The lines of the detaching itself are still wanted, but the shared word goes
   // away under them: from here on the object reads a copy of its own.
   object->localLevel = logLevel(object);
-  std::atomic_ref(object->level).store(&object->localLevel, std::memory_order_release);
+  object->level = &object->localLevel;
   detach(object->handle);
   std::atomic_ref(*log).store(nullptr, std::memory_order_release);
   std::free(object);

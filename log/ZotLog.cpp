@@ -1,6 +1,5 @@
 #include "log/ZotLog.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -38,6 +37,14 @@ struct Prefix {
   }
   char text[kPrefixSize] = {};
 };
+
+ZOT_PRINTF(3, 0) void formatMessage(char* dst, unsigned int size, const char* format, va_list args) {
+  dst[0] = '\0';
+  if (format != nullptr) {
+    // The writers have started args; the analyser does not see that from here.
+    std::vsnprintf(dst, size, format, args);  // NOLINT(clang-analyzer-valist.Uninitialized)
+  }
+}
 
 void appendData(char* dst, unsigned int size, const void* data, long length, int mode) {
   if (data == nullptr) {
@@ -102,10 +109,7 @@ void fnvvLog(uint32_t /*mask*/, uint32_t toStdout, const char* format, va_list a
   const Prefix prefix;
   kept.restore();
   char message[kMessageSize];
-  message[0] = '\0';
-  if (format != nullptr) {
-    std::vsnprintf(message, kMessageSize, format, args);
-  }
+  formatMessage(message, kMessageSize, format, args);
   strcat_zot(message, kMessageSize, "\n");
   kept.restore();
   vWrLog(toStdout, prefix.text, message);
@@ -131,10 +135,7 @@ void fnvvLogData(uint32_t toStdout, const void* data, long length, int mode, con
   const Prefix prefix;
   kept.restore();
   char body[kBodySize];
-  body[0] = '\0';
-  if (format != nullptr) {
-    std::vsnprintf(body, kBodySize, format, args);
-  }
+  formatMessage(body, kBodySize, format, args);
   const auto written = static_cast<unsigned int>(std::strlen(body));
   appendData(body + written, kBodySize - written, data, length, mode);
   kept.restore();

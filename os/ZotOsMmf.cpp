@@ -66,7 +66,7 @@ bool extendFile(ZotOsMmfHandle& handle, const char* path, uint32_t size) {
     return failed(handle, error) != 0;
   }
   const ssize_t written = write(handle.fd, zeros.get(), missing);
-  if (written != static_cast<ssize_t>(missing)) {
+  if (written < 0 || static_cast<size_t>(written) != missing) {
     // A short write sets no number; it is what a disk without room answers.
     const int error = written < 0 ? errno : ENOSPC;
     ZOT_LINE_ERR(ZOT_LOG_FATAL, error,

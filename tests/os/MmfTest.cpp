@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "support/CallScript.h"
 #include "support/Child.h"
 #include "support/FailingHeap.h"
 #include "support/LogFixture.h"
@@ -22,13 +23,14 @@
 #include "support/TemporaryDirectory.h"
 
 static std::vector<std::pair<void*, size_t>> flushed;
+static zot_test::CallScript flushes;
 
 // The linker's --wrap option sends the calls here.
 extern "C" int __real_msync(void* address, size_t length, int flags);
 extern "C" int __wrap_msync(void* address, size_t length, int flags) {
   EXPECT_EQ(MS_SYNC, flags);
   flushed.emplace_back(address, length);
-  return __real_msync(address, length, flags);
+  return zot_test::fails(zot_test::next(flushes)) ? -1 : __real_msync(address, length, flags);
 }
 
 namespace {
@@ -141,9 +143,10 @@ TEST_F(MappedFile, IsFlushedFromTheStartOfAPage) {
   EXPECT_EQ(1u, ZotOsMmfFlush(nullptr, start + page + 100, 20));
   EXPECT_EQ(1u, ZotOsMmfFlush(&handle, start, 2 * page));
   EXPECT_EQ((std::vector<std::pair<void*, size_t>>{{start + page, 120}, {start, 2 * page}}), flushed);
-  EXPECT_EQ(1u, ZotOsMmfClose(&handle));
+  flushes = {ENOMEM};
   EXPECT_EQ(Lines{"ERROR ZotOsMmfFlush: msync failed (12=Cannot allocate memory)"},
             logLines([&] { EXPECT_EQ(0u, ZotOsMmfFlush(&handle, start, 1)); }));
+  EXPECT_EQ(1u, ZotOsMmfClose(&handle));
 }
 
 TEST(Segment, IsMadeOnceAndRemovedByTheLastToClose) {
