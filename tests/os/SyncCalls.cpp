@@ -58,7 +58,8 @@ SCRIPTED(pthread_cond_destroy, (Cond * cond), (cond), entry)
 SCRIPTED(pthread_cond_init, (Cond * cond, const pthread_condattr_t* how), (cond, how), entry)
 SCRIPTED(pthread_cond_timedwait, (Cond * cond, Mutex* lock, const timespec* end), (cond, lock, end),
          (lastDeadline = *end, entry))
-SCRIPTED(pthread_cond_wait, (Cond * cond, Mutex* lock), (cond, (++condWaits, lock)), std::max(entry, 0))
+SCRIPTED(pthread_cond_wait, (Cond * cond, Mutex* lock), (cond, (++condWaits, lock)),
+         (entry == kCancelled ? pthread_exit(nullptr) : void(), std::max(entry, 0)))
 SCRIPTED(pthread_mutex_destroy, (Mutex * lock), (lock), entry)
 SCRIPTED(pthread_mutex_init, (Mutex * lock, const Attributes* how), (lock, how), entry)
 SCRIPTED(pthread_mutex_lock, (Mutex * lock), (lock), entry)

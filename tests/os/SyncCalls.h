@@ -13,9 +13,12 @@
 
 namespace zot_test {
 
+inline constexpr int kCancelled = -99;
+
 // The linker leads the test program's calls of these functions to their scripts.
 // A pthread call returns its entry; a negative one makes pthread_cond_wait return
-// at once, as the system may at any time.  semctl counts SETVAL and IPC_RMID only.
+// at once, as the system may at any time, and kCancelled ends its thread there with
+// the lock held.  semctl counts SETVAL and IPC_RMID only.
 struct SyncCalls {
   CallScript pthread_cond_destroy = {}, pthread_cond_init = {}, pthread_cond_timedwait = {},
              pthread_cond_wait = {}, pthread_mutex_destroy = {}, pthread_mutex_init = {},
