@@ -27,20 +27,13 @@ class Controls : public FoundationTest {
   }
   ~Controls() override { [view release]; }
 
-  // The size of the frame doesn't matter: nothing is drawn.
-  template <class Control>
-  Control* add(Class kind, NSInteger tag, NSString* title, NSView* to = nil) {
-    Control* control = [[[kind alloc] initWithFrame:NSMakeRect(0, 0, 80, 24)] autorelease];
+  // Adds a control of this class; frames don't matter, since nothing is drawn.
+  id add(Class kind, NSInteger tag, NSString* title, NSView* to = nil) {
+    NSControl* control = [[[kind alloc] initWithFrame:NSMakeRect(0, 0, 80, 24)] autorelease];
     [control setTag:tag];
     [[control cell] setTitle:title];
     [(to != nil ? to : view) addSubview:control];
     return control;
-  }
-  NSButton* addButton(NSInteger tag, NSString* title, NSView* to = nil) {
-    return add<NSButton>([NSButton class], tag, title, to);
-  }
-  NSTextField* addField(NSInteger tag, NSString* title) {
-    return add<NSTextField>([NSTextField class], tag, title);
   }
 
   NSView* view;
@@ -50,18 +43,18 @@ TEST_F(Controls, AreRelabelledByTheirTags) {
   zot_test::writeFile("english.dat", oneForm(3, {textRecord(5, 1, "not a title"), textRecord(5, 0, "&Save"),
                                                  textRecord(6, 0, "N&ame:"), textRecord(0, 0, "zero"),
                                                  textRecord(0xFFFFFFFF, 0, "minus one")}));
-  NSButton* save = addButton(5, @"old");
-  NSTextField* name = addField(6, @"old");
-  NSButton* unknown = addButton(7, @"R&emove");
-  NSButton* untagged = addButton(0, @"O&ne");
-  NSButton* negative = addButton(-1, @"T&wo");
+  NSButton* save = add([NSButton class], 5, @"old");
+  NSTextField* name = add([NSTextField class], 6, @"old");
+  NSButton* unknown = add([NSButton class], 7, @"R&emove");
+  NSButton* untagged = add([NSButton class], 0, @"O&ne");
+  NSButton* negative = add([NSButton class], -1, @"T&wo");
   NSBox* box = [[[NSBox alloc] initWithFrame:NSMakeRect(0, 0, 200, 100)] autorelease];
   [box setTitle:@"Bo&x"];
   [view addSubview:box];
-  NSButton* nested = addButton(5, @"Ne&sted", [box contentView]);
+  NSButton* nested = add([NSButton class], 5, @"Ne&sted", [box contentView]);
   [view addSubview:[[[TaggedView alloc] initWithFrame:NSMakeRect(0, 0, 10, 10)] autorelease]];
 
-  ASSERT_TRUE([texts loadProgramTextsForFormId:boxed(3)]);
+  EXPECT_TRUE([texts loadProgramTextsForFormId:boxed(3)]);
   [texts setTextsForView:view];
   EXPECT_EQ("Save", utf8([save title]));
   EXPECT_EQ("Name:", utf8([name stringValue]));
@@ -76,7 +69,7 @@ TEST_F(Controls, AreRelabelledByTheirTags) {
 }
 
 TEST_F(Controls, KeepTheirTitlesWithoutTexts) {
-  NSButton* save = addButton(5, @"&Save");
+  NSButton* save = add([NSButton class], 5, @"&Save");
   [texts setTextsForView:view];
   EXPECT_EQ("Save", utf8([save title])) << "before the first load";
   [save setTitle:@"&Again"];

@@ -18,14 +18,9 @@ inline std::string unread(size_t count) {
   return std::string(count, '\xEE');
 }
 
-inline std::string shortString(const std::string& text) {
-  return static_cast<char>(text.size()) + text;
-}
-
-inline std::string fileHeader(uint32_t forms, const std::string& version = "1.0") {
-  std::string bytes = shortString(version);
-  bytes.resize(12, '\xEE');
-  return bytes + number(forms) + unread(48);
+inline std::string fileHeader(uint32_t forms, std::string version = "\0031.0") {
+  version.resize(12, '\xEE');
+  return version + number(forms) + unread(48);
 }
 
 inline std::string formRecord(uint32_t texts, uint32_t form, uint32_t offset) {
@@ -33,8 +28,8 @@ inline std::string formRecord(uint32_t texts, uint32_t form, uint32_t offset) {
 }
 
 inline std::string textRecord(uint32_t element, uint32_t sub, const std::string& text) {
-  return number(static_cast<uint32_t>(13 + text.size())) + unread(4) + number(element) + number(sub) +
-         shortString(text);
+  const auto length = static_cast<uint32_t>(text.size());
+  return number(13 + length) + unread(4) + number(element) + number(sub) + static_cast<char>(length) + text;
 }
 
 // A whole file with one form.
