@@ -1,9 +1,11 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/ipc.h>
 #include <sys/shm.h>
 
 #include <cerrno>
 #include <cstddef>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -37,9 +39,11 @@ TEST(LogObject, OfTheFirstProcessMakesTheBlock) {
   ASSERT_NE(nullptr, log);
   EXPECT_NE(0, dZotOsUpTime);
   EXPECT_EQ(nullptr, pstLog) << "its caller stores it there";
-  shmid_ds status{};
-  ASSERT_EQ(0, shmctl(shmget(0x8009, 0, 0), IPC_STAT, &status));
-  EXPECT_TRUE(status.shm_segsz == 500 && (status.shm_perm.mode & 0777) == 0666);
+  std::ifstream table("/proc/sysvipc/shm");
+  std::string row;
+  while (std::getline(table, row) && row.find("32777") == std::string::npos) {
+  }
+  EXPECT_THAT(row, testing::ContainsRegex("32777 +[0-9]+ +666 +500 ")) << "key, identifier, mode, bytes";
   EXPECT_EQ(log->handle.address, log->level);
   EXPECT_EQ((std::vector<uint32_t>{0, 1, 0}), words(log));
   EXPECT_EQ(0x80000000u, log->localLevel);
