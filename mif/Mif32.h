@@ -177,7 +177,7 @@ class ZOT_EXPORT Mif32 {
   template <typename Writer>
   ZOT_LOCAL unsigned int appendBeforeEndKz(Writer write);
   ZOT_LOCAL unsigned char* buildUpdated(unsigned int offset, unsigned int oldLen, const unsigned char* value,
-                                        unsigned short len, uint64_t imageSize);
+                                        unsigned short len, unsigned int imageSize);
   ZOT_LOCAL void overwrite(unsigned int offset, const void* bytes, unsigned int count);
 
   // Order and widths are seen by the Objective-C run time of the object class.

@@ -33,27 +33,23 @@ void Mif32::overwrite(unsigned int offset, const void* bytes, unsigned int count
   std::memcpy(pbData + offset, bytes, std::min(count, uAllocLen - offset));
 }
 
-// A new heap block of imageSize bytes: the buffer with another value at offset.
-// A record whose old length runs past the bytes in use makes the image shorter
-// than its parts; what does not fit is left out.
+// A new heap block of at least imageSize bytes: the buffer with another value at
+// offset.  A record whose old length runs past the bytes in use makes the image
+// shorter than its parts, so the block holds whichever is longer.
 unsigned char* Mif32::buildUpdated(unsigned int offset, unsigned int oldLen, const unsigned char* value,
-                                   unsigned short len, uint64_t imageSize) {
-  const auto size = static_cast<size_t>(imageSize);
-  auto* image = static_cast<unsigned char*>(std::calloc(std::max<size_t>(size, 1), 1));
+                                   unsigned short len, unsigned int imageSize) {
+  const uint64_t oldEnd = uint64_t{offset} + oldLen;
+  const auto tail = static_cast<size_t>(oldEnd < usedBytes() ? usedBytes() - oldEnd : 0);
+  const size_t newEnd = size_t{offset} + len;
+  auto* image = static_cast<unsigned char*>(std::calloc(std::max<size_t>(newEnd + tail, imageSize), 1));
   if (image == nullptr) {
     return nullptr;
   }
-  const auto put = [&](uint64_t at, const void* bytes, uint64_t count) {
-    if (at < size && count != 0) {
-      std::memcpy(image + at, bytes, static_cast<size_t>(std::min<uint64_t>(count, size - at)));
-    }
-  };
-  const uint64_t oldEnd = uint64_t{offset} + oldLen;
-  put(0, pbData, offset);
-  put(offset - sizeof len, &len, sizeof len);
-  put(offset, value, len);
-  if (oldEnd < usedBytes()) {
-    put(uint64_t{offset} + len, pbData + oldEnd, usedBytes() - oldEnd);
+  std::memcpy(image, pbData, offset);
+  mifStore(image + offset - sizeof len, len);
+  std::memcpy(image + offset, value, len);
+  if (tail != 0) {
+    std::memcpy(image + newEnd, pbData + oldEnd, tail);
   }
   return image;
 }
