@@ -133,10 +133,12 @@ std::string quotedText(Bytes value) {
     if (byte == '"' || byte == '\\') {
       shown += '\\';
     }
-    // The terminal expects UTF-8; the message holds ISO 8859-1.
-    shown += byte < 0x20 || byte == 0x7F ? text("\\x%02x", byte)
-             : byte < 0x80               ? std::string(1, static_cast<char>(byte))
-                                         : text("%c%c", 0xC0 | byte >> 6, 0x80 | (byte & 0x3F));
+    // The terminal expects UTF-8; the message holds ISO 8859-1, whose control bytes
+    // stand below each half of the printable ones.
+    const bool control = (byte & 0x7F) < 0x20 || byte == 0x7F;
+    shown += control       ? text("\\x%02x", byte)
+             : byte < 0x80 ? std::string(1, static_cast<char>(byte))
+                           : text("%c%c", 0xC0 | byte >> 6, 0x80 | (byte & 0x3F));
   }
   return shown + '"';
 }
