@@ -1,5 +1,6 @@
 #include "Service.h"
 
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -11,8 +12,9 @@
 
 namespace {
 
+// Rounded up; what is too large for that stays as it is.
 unsigned int wholeMinutes(unsigned int seconds) {
-  return (seconds / 60 + (seconds % 60 != 0)) * 60;
+  return seconds <= UINT_MAX / 60 * 60 ? (seconds / 60 + (seconds % 60 != 0)) * 60 : seconds;
 }
 
 // The answer's text, after the change that it reports.
