@@ -23,15 +23,30 @@ constexpr int kCrashStatus = 3;
 
 constexpr char kUsage[] =
     "usage: exchange [--damage N] [NAME=VALUE ...]\n"
+    "       exchange --help\n"
     "\n"
-    "Sends settings to a service in another process and shows both messages.\n"
-    "Without a NAME=VALUE the settings come from the settings.txt beside the program.\n"
+    "Sends settings to a service in another process, which rounds the interval up to whole\n"
+    "minutes, takes the token out and answers.  Shows both messages as a table of records and\n"
+    "in hex, and what each side reads in them.\n"
     "\n"
     "  --damage N  on the way, invert the byte at offset N; below 0: cut -N bytes off the end\n"
     "\n"
-    "Settings: interval (s), quota (bytes), profile (text), fingerprint (hex bytes), token (text),\n"
-    "addresses (IPv4, or FROM-TO), adapter (MAC address), channels (0 to 255, or FROM-TO),\n"
-    "password (text), key (16 hex groups).\n";
+    "Without a NAME=VALUE the settings come from the settings.txt beside the program: one\n"
+    "NAME = VALUE a line; blank lines and those that begin with '#' do not count.\n"
+    "\n"
+    "  interval     seconds, 0 to 4294967295\n"
+    "  quota        bytes, 0 to 18446744073709551615\n"
+    "  profile      text that ISO 8859-1 can hold\n"
+    "  fingerprint  bytes in hex, separated by blanks\n"
+    "  token        text, as profile\n"
+    "  addresses    IPv4 address, or FROM-TO\n"
+    "  adapter      MAC address, groups separated by '.' or ':'\n"
+    "  channels     0 to 255, or FROM-TO\n"
+    "  password     text, as profile; stored scrambled\n"
+    "  key          16 hex groups, separated by '.' or ':'\n"
+    "\n"
+    "Exit status: 0 after an answer, 1 when a value was refused or a message damaged or lost,\n"
+    "2 for a wrong command line or settings file, 3 when the service crashed.\n";
 
 struct Options {
   std::optional<long> damage;
