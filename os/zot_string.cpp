@@ -9,9 +9,9 @@
 namespace {
 
 // Room behind the characters that stand in dst, the terminator's byte included;
-// -1 when dst holds more than size characters.
+// -1 when dst holds more than size characters, or has a size of 0 and is not read.
 int64_t roomBehind(const char* dst, unsigned int size) {
-  return int64_t{size} - static_cast<int64_t>(std::strlen(dst));
+  return size == 0 ? -1 : int64_t{size} - static_cast<int64_t>(std::strlen(dst));
 }
 
 // Fills the end of dst with the first count bytes of a src that is too long for
@@ -38,7 +38,7 @@ char* strcat_zot(char* dst, unsigned int size, const char* src) {
     return nullptr;
   }
   const int64_t behind = roomBehind(dst, size);
-  if (size == 0 || behind < 0) {
+  if (behind < 0) {
     return dst;
   }
   const auto room = static_cast<size_t>(behind);
@@ -55,7 +55,7 @@ char* strncat_zot(char* dst, unsigned int size, const char* src, unsigned int n)
     return nullptr;
   }
   const int64_t behind = roomBehind(dst, size);
-  if (size == 0 || n == 0 || behind < 0) {
+  if (n == 0 || behind < 0) {
     return dst;
   }
   const auto room = static_cast<size_t>(behind);

@@ -62,6 +62,13 @@ TEST(BoundedCat, WithACountKeepsTheRoughEdges) {
   EXPECT_STREQ("abcdefg", full.bytes);
 }
 
+TEST(BoundedCat, WithoutASizeDoesNotEvenRead) {
+  auto* nothing = new char[0];  // the address sanitizer guards it
+  EXPECT_EQ(nothing, strcat_zot(nothing, 0, "x"));
+  EXPECT_EQ(nothing, strncat_zot(nothing, 0, "x", 1));
+  delete[] nothing;
+}
+
 TEST(BoundedCopy, NeverPassesSizeNorWrapsAHugeCount) {
   const struct {
     unsigned int size;
