@@ -84,16 +84,24 @@ void writeSyslog(const char* message) {
 #pragma GCC diagnostic pop
 }
 
-// The stream's own lock keeps the lines of two threads apart.
+// Holds the stream's own lock, which keeps the lines of two threads apart.  A thread
+// may be cancelled while it writes; the destructor runs then too.
+class StdoutLocked {
+ public:
+  StdoutLocked() { flockfile(stdout); }
+  ~StdoutLocked() { funlockfile(stdout); }
+  StdoutLocked(const StdoutLocked&) = delete;
+  StdoutLocked& operator=(const StdoutLocked&) = delete;
+};
+
 void writeStdout(const char* prefix, const char* message) {
-  flockfile(stdout);
+  const StdoutLocked lock;
   std::fflush(stdout);
   if (prefix != nullptr && *prefix != '\0') {
     std::fputs(prefix, stdout);
   }
   std::fputs(message, stdout);
   std::fflush(stdout);
-  funlockfile(stdout);
 }
 
 }  // namespace

@@ -127,6 +127,20 @@ TEST(LogLine, StaysWholeBesideOtherThreads) {
   EXPECT_EQ(200, std::count(lines.begin(), lines.end(), std::string(100, 'b')));
 }
 
+TEST(LogLine, OfACancelledThreadLeavesTheStreamFree) {
+  const auto lines = logLines([] {
+    std::thread([] {
+      pthread_cancel(pthread_self());
+      ZotOsvLog(pstLog, 4, "cut off");
+      ADD_FAILURE() << "writing is where the cancel is noticed";
+    }).join();
+    ASSERT_EQ(0, ftrylockfile(stdout));
+    funlockfile(stdout);
+    ZotOsvLog(pstLog, 4, "next");
+  });
+  EXPECT_EQ("next", lines.back());
+}
+
 TEST(LogLevel, IsReadAndChangedThroughThePointerIfThereIsOne) {
   uint32_t shared = 0x40000000;
   ZotOsLog log{0, &shared, ZOT_LOG_SILENT, {}};
