@@ -224,8 +224,10 @@ uint32_t fMmfAttach(ZotOsMmfHandle* handle) {
 uint32_t ZotOsMmfFlush(ZotOsMmfHandle* /*handle*/, void* address, uint32_t length) {
   const auto page = static_cast<uintptr_t>(getpagesize());
   const uintptr_t behind = reinterpret_cast<uintptr_t>(address) % page;
-  // A length that no longer fits is one that msync refuses.
-  const auto whole = static_cast<size_t>(std::min<uint64_t>(uint64_t{length} + behind, SIZE_MAX));
+  // No mapping has more pages than this.  msync refuses it, but would take a 32-bit
+  // length that wraps when it is rounded up for nothing to do.
+  const uint64_t most = SIZE_MAX - page + 1;
+  const auto whole = static_cast<size_t>(std::min(length + uint64_t{behind}, most));
   if (msync(static_cast<char*>(address) - behind, whole, MS_SYNC) == 0) {
     return 1;
   }
