@@ -98,9 +98,6 @@ uint32_t ZotOsChkAndCreateDir(const char* path) {
 }
 
 uint32_t ZotOsDeleteDirTree(const char* path) {
-  // The pattern for an empty path would search the root directory.
-  if (path[0] != '\0') {
-    deleteEntries(path);
-  }
+  deleteEntries(path);
   return ZotOsDeleteDir(path);
 }
