@@ -1,10 +1,10 @@
 #!/bin/sh
-# shared_level.sh PROGRAM: the lines of both workers come and go with the level,
+# shared_level.sh PROGRAM...: the lines of both workers come and go with the level,
 # and no segment stays.  The program runs in an IPC namespace of its own.
 set -eu
 own="unshare --ipc"
 $own true 2>/dev/null || own="unshare --map-root-user --ipc"
-output=$($own sh -c '"$1" && [ "$(wc -l </proc/sysvipc/shm)" = 1 ]' sh "$1")
+output=$($own sh -c '"$@" && [ "$(wc -l </proc/sysvipc/shm)" = 1 ]' sh "$@")
 printf '%s\n' "$output"
 
 # A line that was on its way when the level fell may stand behind the notice.

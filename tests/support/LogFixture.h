@@ -6,8 +6,6 @@
 #include <unistd.h>
 
 #include <functional>
-#include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -37,23 +35,10 @@ class TestLog {
 };
 
 // The lines of a text; each has to begin with a timestamp, which is taken off.
-inline std::vector<std::string> withoutStamps(const std::string& text) {
-  static const std::regex kStamp("^\\d\\d-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d,\\d\\d\\d - ");
-  std::vector<std::string> lines;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) {
-    std::smatch stamp;
-    EXPECT_TRUE(std::regex_search(line, stamp, kStamp)) << line;
-    lines.push_back(stamp.suffix());
-  }
-  return lines;
-}
+std::vector<std::string> withoutStamps(const std::string& text);
 
 // The messages that body logs at every level, without their timestamps.
-inline std::vector<std::string> logLines(const std::function<void()>& body, uint32_t level = kEveryLine) {
-  const TestLog log(level);
-  return withoutStamps(captured(body).out);
-}
+std::vector<std::string> logLines(const std::function<void()>& body, uint32_t level = kEveryLine);
 
 // How most lines end, when the calling thread logs them.
 inline std::string callerIds() {
