@@ -57,7 +57,8 @@ class ZOT_EXPORT ProgramTexts {
   // Takes no lock; the loader holds it.
   void ClearAllTexts();
 
-  // Forgets the parent, which calls this before it goes.
+  // Forgets the parent.  For the loader, which calls this before it goes: while the
+  // table is registered, its destructor must find the way back.
   void unregisterParent();
 
  private:

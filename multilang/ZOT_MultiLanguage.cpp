@@ -229,6 +229,10 @@ uint32_t ZOT_MultiLanguage::ptListAdd(ProgramTexts* table) {
   }
   *slot = table;
   ++registryCount;
+  // One that knows no loader would go without leaving the registry.
+  if (table->parent == nullptr) {
+    table->parent = this;
+  }
   return 1;
 }
 

@@ -82,9 +82,10 @@ class ZOT_EXPORT ZOT_MultiLanguage {
   // Loads every registered table again; 1 when all came back whole, else 0.
   uint32_t RefreshAllRegisteredChildren();
 
-  // Registers a table without looking whether it is there already; null is refused
-  // with 0.  Also 0 when memory runs out: the registry is then lost and empty, and
-  // the tables that were in it have forgotten the loader.
+  // Registers a table of this loader, or one without a parent, whose parent it then
+  // becomes.  Does not look whether the table is there already; null is refused with 0.
+  // Also 0 when memory runs out: the registry is then lost and empty, and the tables
+  // that were in it have forgotten the loader.
   uint32_t ptListAdd(ProgramTexts* table);
 
   // Makes every table forget the loader and empties the registry.
