@@ -58,8 +58,8 @@ using OpenFile = std::unique_ptr<FILE, CloseFile>;
 // Opens the language file at path and seeks to the texts of the first form record
 // with this number, which is copied to *form.
 //
-// Returns null when the file cannot be opened, has a version other than "1.0", ends too early or lacks the
-// form; *form then holds the last form record that was read, if any.
+// Returns null when the file cannot be opened, has a version other than "1.0", ends
+// too early or lacks the form; what *form then holds is of no use.
 OpenFile mlOpenForm(const char* path, uint32_t formNumber, tMlForms* form);
 
 // Reads the text record at the stream's position and terminates its text.  What a

@@ -8,7 +8,7 @@
 // first load.  Texts are ISO 8859-1 in the files; a directory, base name or default
 // that cannot be written so counts as nil.  Strings returned are autoreleased and
 // carry no "&": the files mark keyboard accelerators with it for other platforms.
-// Nothing logs or raises.  An instance serves one thread at a time.
+// Nothing raises.  An instance serves one thread at a time.
 #ifndef ZOT_MULTI_LANG_H
 #define ZOT_MULTI_LANG_H
 

@@ -9,7 +9,7 @@
 // Texts passed in are copied.  The registry has its own lock, always taken before a
 // table's, so tables may be destroyed while another thread changes the language.
 // Path and language are not locked: set them, and load, from one thread at a time.
-// Every failure is a null or 0 result; nothing is logged and nothing throws.
+// Every failure is a null or 0 result and is not logged; nothing throws.
 #ifndef ZOT_MULTI_LANGUAGE_H
 #define ZOT_MULTI_LANGUAGE_H
 
@@ -58,7 +58,8 @@ class ZOT_EXPORT ZOT_MultiLanguage {
 
   // The language file, open at the first text record of a form, for the caller to
   // close; *formRecord (96 bytes) gets the form's record.  Null when formRecord is null
-  // or the file or the form in it is missing or damaged.
+  // or the file or the form in it is missing or damaged; what *formRecord then holds
+  // is of no use.
   FILE* openFormId(unsigned int formNumber, tMlForms* formRecord);
 
   // Reads the text record (268 bytes) at the file's position and terminates its text.
