@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "multilang/FoundationTest.h"
-#include "multilang/LanguageFileBytes.h"
 
 // A view with a tag and no cell.
 @interface TaggedView : NSView
@@ -18,42 +17,38 @@
 
 namespace {
 
+// Adds a control of this class; frames don't matter, since nothing is drawn.
+id add(NSView* view, Class kind, NSInteger tag, NSString* title) {
+  NSControl* control = [[[kind alloc] initWithFrame:NSMakeRect(0, 0, 80, 24)] autorelease];
+  [control setTag:tag];
+  [[control cell] setTitle:title];
+  [view addSubview:control];
+  return control;
+}
+
 class Controls : public FoundationTest {
  protected:
   static void SetUpTestSuite() { [NSApplication sharedApplication]; }
-
-  Controls() : view([[NSView alloc] initWithFrame:NSMakeRect(0, 0, 300, 200)]) {
-    [texts setFilePath:directory()];
-  }
-  ~Controls() override { [view release]; }
-
-  // Adds a control of this class; frames don't matter, since nothing is drawn.
-  id add(Class kind, NSInteger tag, NSString* title, NSView* to = nil) {
-    NSControl* control = [[[kind alloc] initWithFrame:NSMakeRect(0, 0, 80, 24)] autorelease];
-    [control setTag:tag];
-    [[control cell] setTitle:title];
-    [(to != nil ? to : view) addSubview:control];
-    return control;
-  }
-
-  NSView* view;
 };
 
 TEST_F(Controls, AreRelabelledByTheirTags) {
-  zot_test::writeFile("english.dat", oneForm(3, {textRecord(5, 1, "not a title"), textRecord(5, 0, "&Save"),
-                                                 textRecord(6, 0, "N&ame:"), textRecord(0, 0, "zero"),
-                                                 textRecord(0xFFFFFFFF, 0, "minus one")}));
-  NSButton* save = add([NSButton class], 5, @"old");
-  NSTextField* name = add([NSTextField class], 6, @"old");
-  NSButton* unknown = add([NSButton class], 7, @"R&emove");
-  NSButton* untagged = add([NSButton class], 0, @"O&ne");
-  NSButton* negative = add([NSButton class], -1, @"T&wo");
+  NSView* view = [[[NSView alloc] initWithFrame:NSMakeRect(0, 0, 300, 200)] autorelease];
   NSBox* box = [[[NSBox alloc] initWithFrame:NSMakeRect(0, 0, 200, 100)] autorelease];
   [box setTitle:@"Bo&x"];
   [view addSubview:box];
-  NSButton* nested = add([NSButton class], 5, @"Ne&sted", [box contentView]);
   [view addSubview:[[[TaggedView alloc] initWithFrame:NSMakeRect(0, 0, 10, 10)] autorelease]];
+  NSButton* save = add(view, [NSButton class], 5, @"&Old");
+  NSTextField* name = add(view, [NSTextField class], 6, @"O&ld");
+  NSButton* unknown = add(view, [NSButton class], 7, @"R&emove");
+  NSButton* untagged = add(view, [NSButton class], 0, @"O&ne");
+  NSButton* negative = add(view, [NSButton class], -1, @"T&wo");
+  NSButton* nested = add([box contentView], [NSButton class], 5, @"Ne&sted");
 
+  [texts setTextsForView:view];
+  EXPECT_EQ("Old", utf8([save title])) << "before the first load";
+  zot_test::writeFile("english.dat", oneForm(3, {textRecord(5, 1, "not a title"), textRecord(5, 0, "&Save"),
+                                                 textRecord(6, 0, "N&ame:"), textRecord(0, 0, "zero"),
+                                                 textRecord(0xFFFFFFFF, 0, "minus one")}));
   EXPECT_TRUE([texts loadProgramTextsForFormId:boxed(3)]);
   [texts setTextsForView:view];
   EXPECT_EQ("Save", utf8([save title]));
@@ -63,20 +58,6 @@ TEST_F(Controls, AreRelabelledByTheirTags) {
   EXPECT_EQ("T&wo", utf8([negative title]));
   EXPECT_EQ("Bo&x", utf8([box title]));
   EXPECT_EQ("Ne&sted", utf8([nested title]));
-
-  [texts setTextsForView:[box contentView]];
-  EXPECT_EQ("Save", utf8([nested title]));
-}
-
-TEST_F(Controls, KeepTheirTitlesWithoutTexts) {
-  NSButton* save = add([NSButton class], 5, @"&Save");
-  [texts setTextsForView:view];
-  EXPECT_EQ("Save", utf8([save title])) << "before the first load";
-  [save setTitle:@"&Again"];
-  EXPECT_FALSE([texts loadProgramTextsForFormId:boxed(3)]);
-  [texts setTextsForView:view];
-  EXPECT_EQ("Again", utf8([save title]));
-  [texts setTextsForView:nil];
 }
 
 }  // namespace

@@ -2,26 +2,26 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <bit>
 #include <memory>
 #include <string>
 #include <thread>
 
+#include "multilang/LanguageFile.h"
 #include "multilang/LanguageFileBytes.h"
 #include "support/FailingHeap.h"
 #include "support/TemporaryDirectory.h"
 
 namespace {
 
+using namespace std::string_literals;
 using zot_test::writeFile;
 using Table = std::unique_ptr<ProgramTexts>;
 
-std::string text(ProgramTexts& table, unsigned int element, unsigned int sub = 0) {
-  return table.getPrgTextDefA(element, sub, 1, "none", nullptr, 0);
-}
-
 std::string text(const Table& table, unsigned int element, unsigned int sub = 0) {
-  return table ? text(*table, element, sub) : "no table";
+  return table ? table->getPrgTextDefA(element, sub, 1, "none", nullptr, 0) : "no table";
 }
 
 class Loader : public zot_test::TemporaryDirectory {
@@ -32,50 +32,49 @@ class Loader : public zot_test::TemporaryDirectory {
     writeFile(name, oneForm(3, {textRecord(1, 0, word), textRecord(2, 0, word + "2"),
                                 textRecord(2, 1, word + "3")}));
   }
-  Table load(unsigned int element = 0, signed char onlyElement = 0) {
-    return Table(loader.loadProgramTexts(3, element, onlyElement, nullptr));
+  Table load(unsigned int element = 0, signed char onlyElement = 0, unsigned int form = 3) {
+    return Table(loader.loadProgramTexts(form, element, onlyElement, nullptr));
   }
+  Table load(const std::string& english, unsigned int form = 3) {
+    writeFile("english.dat", english);
+    return load(0, 0, form);
+  }
+  static Table empty(ZOT_MultiLanguage* parent) { return std::make_unique<ProgramTexts>(parent, 3, 0, 0); }
 
   ZOT_MultiLanguage loader;
 };
 
 TEST_F(Loader, NamesTheFileOfEachLanguageAndFallsBackToEnglish) {
+  const auto path = [](unsigned int language, const std::string& baseName) {
+    ZOT_MultiLanguage fresh;
+    fresh.SetLanguageFileBaseName(baseName.c_str());
+    return std::string(fresh.buildFilePathName(language));
+  };
+  for (const unsigned int language : {0u, 1u, 11u, 12u, 0x80000000u, 0xFFFFFFFFu}) {
+    EXPECT_EQ("english.dat", path(language, "")) << "no file is there yet";
+    EXPECT_EQ("texts.en", path(language, "texts"));
+  }
   const char* languages[][2] = {{".de", "deutsch.dat"}, {".en", "english.dat"}, {".es", "spain.dat"},
                                 {".fr", "french.dat"},  {".it", "italian.dat"}, {".se", "swedish.dat"},
                                 {".dk", "danish.dat"},  {".no", "norweg.dat"},  {".fi", "finnish.dat"},
                                 {".nl", "dutch.dat"},   {".pl", "polnisch.dat"}};
   unsigned int language = 0;
   for (const auto& [extension, name] : languages) {
-    SCOPED_TRACE(name);
-    ++language;
-    ZOT_MultiLanguage fresh;
-    EXPECT_STREQ("english.dat", fresh.buildFilePathName(language)) << "no file of this language yet";
     writeFile(name, "");
-    fresh.SetLanguageFilePath("");
-    EXPECT_STREQ(name, fresh.buildFilePathName(language));
-    fresh.SetLanguageFileBaseName("texts");
-    EXPECT_STREQ("texts.en", fresh.buildFilePathName(language));
     writeFile(std::string("texts") + extension, "");
-    fresh.SetLanguageFileBaseName("texts");
-    EXPECT_EQ(std::string("texts") + extension, fresh.buildFilePathName(language));
-    fresh.SetLanguageFileName("any.name");
-    EXPECT_STREQ("any.name", fresh.buildFilePathName(language)) << "before base and default names";
-  }
-  for (const unsigned int other : {0u, 12u, 0x80000000u, 0xFFFFFFFFu}) {
-    ZOT_MultiLanguage fresh;
-    EXPECT_STREQ("english.dat", fresh.buildFilePathName(other));
-    fresh.SetLanguageFileBaseName("texts");
-    EXPECT_STREQ("texts.en", fresh.buildFilePathName(other));
+    EXPECT_EQ(name, path(++language, ""));
+    EXPECT_EQ(std::string("texts") + extension, path(language, "texts"));
   }
   EXPECT_EQ(2u, loader.GetOsLanguage());
 }
 
 TEST_F(Loader, JoinsTheDirectoryWithOneSeparator) {
   const char* cases[][2] = {{"/opt/l", "/opt/l/e"}, {"/opt/l/", "/opt/l/e"}, {"l\\", "l\\e"}, {"", "e"}};
+  loader.SetLanguageFileBaseName("not looked at beside a file name");
+  loader.SetLanguageFileName("e");
   for (const auto& [directory, path] : cases) {
     loader.SetLanguageFilePath(directory);
-    loader.SetLanguageFileName("e");
-    EXPECT_STREQ(path, loader.buildFilePathName(2));
+    EXPECT_STREQ(path, loader.buildFilePathName(1));
   }
 }
 
@@ -98,8 +97,6 @@ TEST_F(Loader, AChangeOfLanguageReloadsEveryTableInPlace) {
   const Table all = load(2, 0), second = load(2, 1), nobody = load(7, 1), last = load();
   EXPECT_EQ("one", text(all, 1)) << "the element counts only when it is alone";
   EXPECT_EQ("none", text(nobody, 2)) << "no text of the element is no failure";
-  EXPECT_EQ(nullptr, loader.loadProgramTexts(4, 0, 0, nullptr));
-  load().reset();
   loader.SetLanguageId(1);
   EXPECT_EQ("eins", text(all, 1));
   EXPECT_EQ("none", text(second, 1));
@@ -109,9 +106,6 @@ TEST_F(Loader, AChangeOfLanguageReloadsEveryTableInPlace) {
   write("deutsch.dat", "zwei");
   loader.SetLanguageId(1);
   EXPECT_EQ("eins", text(last, 1)) << "the same number again does nothing";
-  EXPECT_EQ(1u, loader.RefreshAllRegisteredChildren());
-  EXPECT_EQ("zwei", text(last, 1));
-
   writeFile("deutsch.dat", oneForm(3, {textRecord(1, 0, "drei"), number(269)}));
   EXPECT_EQ(0u, loader.RefreshAllRegisteredChildren());
   EXPECT_EQ("drei", text(all, 1)) << "what came before the damage";
@@ -121,72 +115,53 @@ TEST_F(Loader, AChangeOfLanguageReloadsEveryTableInPlace) {
   EXPECT_EQ("one", text(all, 1)) << "no French file";
 }
 
-TEST_F(Loader, LoaderAndTablesForgetEachOtherInEitherOrder) {
+TEST_F(Loader, RegistryGrowsByTwoReusesPlacesAndSurvivesLosingItsMemory) {
   write("english.dat", "one");
-  auto other = std::make_unique<ZOT_MultiLanguage>();
-  const Table orphan(other->loadProgramTexts(3, 0, 0, nullptr));
-  delete other->loadProgramTexts(3, 0, 0, nullptr);
-  EXPECT_EQ(1u, other->RefreshAllRegisteredChildren());
-  other.reset();
-  EXPECT_EQ("one", text(orphan, 1));
-
-  const Table forgotten = load(), twice = load();
+  const Table forgotten = load(), dummy(loader.GetDummyProgramTexts());
+  const Table a = empty(&loader), b = empty(&loader), c = empty(&loader);
+  Table adopted = empty(nullptr);
   loader.ptListClear();
   loader.unregisterChild(nullptr);
   EXPECT_EQ(0u, loader.ptListAdd(nullptr));
-  EXPECT_EQ(1u, loader.ptListAdd(twice.get()));
-  EXPECT_EQ(1u, loader.ptListAdd(twice.get()));
-  const std::unique_ptr<DummyProgramTexts> dummy(loader.GetDummyProgramTexts());
-  write("english.dat", "new");
-  EXPECT_EQ(1u, loader.RefreshAllRegisteredChildren());
-  EXPECT_EQ("one", text(forgotten, 1));
-  EXPECT_EQ("new", text(twice, 1));
-  EXPECT_EQ("none", text(*dummy, 1));
-  loader.unregisterChild(twice.get());
-  write("english.dat", "newer");
-  EXPECT_EQ(1u, loader.RefreshAllRegisteredChildren());
-  EXPECT_EQ("new", text(twice, 1)) << "both of its places are free";
-}
-
-TEST_F(Loader, RegistryGrowsByTwoReusesPlacesAndSurvivesLosingItsMemory) {
-  write("english.dat", "one");
-  ProgramTexts a(&loader, 3, 0, 0), b(&loader, 3, 0, 0), c(&loader, 3, 0, 0);
-  auto adopted = std::make_unique<ProgramTexts>(nullptr, 3, 0, 0);
   {
     FailingHeap heap(1);
-    EXPECT_EQ(1u, loader.ptListAdd(adopted.get()));
-    EXPECT_EQ(1u, loader.ptListAdd(&b));
+    EXPECT_EQ(1u, loader.ptListAdd(a.get()));
+    EXPECT_EQ(1u, loader.ptListAdd(a.get()));
+    loader.unregisterChild(a.get());
+    EXPECT_EQ(1u, loader.ptListAdd(adopted.get())) << "both places are free again";
+    EXPECT_EQ(1u, loader.ptListAdd(b.get()));
     adopted.reset();
-    EXPECT_EQ(1u, loader.ptListAdd(&c)) << "in the place of one that came without a parent and went";
-    EXPECT_EQ(0u, loader.ptListAdd(&a));
+    EXPECT_EQ(1u, loader.ptListAdd(c.get())) << "in the place of one that came without a parent and went";
+    EXPECT_EQ(0u, loader.ptListAdd(a.get()));
     EXPECT_EQ(1u, loader.RefreshAllRegisteredChildren()) << "the registry is lost, so there is nothing to do";
   }
-  EXPECT_EQ("none", text(b, 1));
-  EXPECT_EQ(1u, loader.ptListAdd(&c));
+  write("english.dat", "new");
+  EXPECT_EQ(1u, loader.ptListAdd(c.get()));
   EXPECT_EQ(1u, loader.RefreshAllRegisteredChildren());
-  EXPECT_EQ("one", text(c, 1));
+  EXPECT_EQ("new", text(c, 1));
+  EXPECT_EQ("none", text(b, 1));
+  EXPECT_EQ("none", text(dummy, 1));
+  EXPECT_EQ("one", text(forgotten, 1));
 }
 
-TEST_F(Loader, WithoutMemoryNothingIsLost) {
+TEST_F(Loader, WithoutMemoryTheresAWholeTableOrNone) {
   write("english.dat", "one");
+  for (unsigned int granted = 0; granted < 8; ++granted) {
+    Table table;
+    {
+      ZOT_MultiLanguage other;
+      const FailingHeap heap(granted);
+      table.reset(other.loadProgramTexts(3, 0, 0, nullptr));
+    }
+    // Path, mutex, array, three texts.  The table outlives its loader, registered or not.
+    EXPECT_EQ(granted < 6 ? "no table" : "one3", text(table, 2, 1)) << granted;
+  }
   {
-    FailingHeap heap;
+    const FailingHeap heap;
     EXPECT_EQ(nullptr, loader.buildFilePathName(2));
-    EXPECT_EQ(nullptr, loader.loadProgramTexts(3, 0, 0, nullptr));
     loader.SetLanguageFilePath("/nowhere");
   }
   EXPECT_EQ(whole() + "/english.dat", loader.buildFilePathName(2)) << "built later, the directory as it was";
-  {
-    FailingHeap heap(4);  // the mutex, the array and two of three texts
-    EXPECT_EQ(nullptr, loader.loadProgramTexts(3, 0, 0, nullptr)) << "no table pretends to be whole";
-  }
-  auto other = std::make_unique<ZOT_MultiLanguage>();
-  other->buildFilePathName(2);
-  std::unique_ptr<FailingHeap> heap(new FailingHeap(5));  // everything but the registry
-  const Table unregistered(other->loadProgramTexts(3, 0, 0, nullptr));
-  heap.reset();
-  other.reset();
-  EXPECT_EQ("one", text(unregistered, 1)) << "and it does not call its loader any more";
 }
 
 TEST_F(Loader, ReloadsWhileOtherThreadsLookUpAndTablesComeAndGo) {
@@ -196,18 +171,15 @@ TEST_F(Loader, ReloadsWhileOtherThreadsLookUpAndTablesComeAndGo) {
   std::atomic<int> lookups{0}, wrong{0}, passed{0};
   std::atomic<bool> done{false};
   const auto lookUp = [&] {
-    while (!done) {
+    for (; !done; ++lookups) {
       char copy[64];
       table->getPrgTextDefA(2, 1, 1, nullptr, copy, sizeof copy);
       wrong += std::string("one3") != copy && std::string("eins3") != copy;
-      ++lookups;
     }
   };
   const auto comeAndGo = [&] {
-    while (!done) {
-      ProgramTexts passing(&loader, 3, 0, 0);
-      loader.ptListAdd(&passing);
-      ++passed;
+    for (; !done; ++passed) {
+      loader.ptListAdd(empty(&loader).get());
     }
   };
   std::thread threads[] = {std::thread(lookUp), std::thread(lookUp), std::thread(comeAndGo),
@@ -220,6 +192,118 @@ TEST_F(Loader, ReloadsWhileOtherThreadsLookUpAndTablesComeAndGo) {
     thread.join();
   }
   EXPECT_EQ(0, wrong);
+}
+
+TEST_F(Loader, ReadsFilesInTheByteOrderOfItsHost) {
+  // The file that docs/language-files.md shows, as a little-endian host writes it.
+  const std::string little = "\0031.0\0\0\0\0\0\0\0\0\1\0\0\0"s + std::string(48, '\0') +
+                             "\2\0\0\0\7\0\0\0\xA0\0\0\0"s + std::string(84, '\0') +
+                             "\x13\0\0\0\0\0\0\0\5\0\0\0\0\0\0\0\6&Apply"s +
+                             "\x12\0\0\0\0\0\0\0\5\0\0\0\1\0\0\0\5one\\n"s;
+  std::string big = little;
+  for (const size_t at : {12u, 64u, 68u, 72u, 160u, 168u, 172u, 183u, 191u, 195u}) {
+    std::reverse(&big[at], &big[at] + 4);
+  }
+  const bool isLittle = std::endian::native == std::endian::little;
+  const Table ours = load(isLittle ? little : big, 7);
+  EXPECT_EQ("&Apply", text(ours, 5, 0));
+  EXPECT_EQ("one\n", text(ours, 5, 1));
+  EXPECT_EQ(nullptr, load(isLittle ? big : little, 7));
+  EXPECT_EQ(nullptr, load(isLittle ? big : little, 0x07000000)) << "form found, texts far outside";
+}
+
+TEST_F(Loader, EveryCutOfAFileEndsTheLoadAndKeepsWhatWasRead) {
+  const std::string first = textRecord(1, 0, "first"), second = textRecord(2, 9, "second");
+  const std::string uncut = oneForm(3, {first, second});
+  const Table kept = load(uncut + "more");
+  EXPECT_EQ("second", text(kept, 2, 9));
+  for (size_t size = 0; size < uncut.size(); ++size) {
+    SCOPED_TRACE(size);
+    kept->ClearAllTexts();
+    kept->AddText(8, 8, "before");
+    EXPECT_EQ(nullptr, load(uncut.substr(0, size)));
+    EXPECT_EQ(nullptr, loader.loadProgramTexts(3, 0, 0, kept.get()));
+    EXPECT_EQ(size < 160 ? "before" : "none", text(kept, 8, 8)) << "cleared once the form was found";
+    EXPECT_EQ(size >= 160 + first.size() ? "first" : "none", text(kept, 1, 0));
+    EXPECT_EQ("none", text(kept, 2, 9));
+  }
+}
+
+TEST_F(Loader, TheVersionIsExactlyThreeCharacters) {
+  const std::string rest = formRecord(0, 3, 160);
+  EXPECT_NE(nullptr, load(fileHeader(1, "\0031.0garbage") + rest));
+  for (const auto& wrong :
+       {""s, "1.0"s, "\0021.0"s, "\0031.1"s, "\0031,0"s, "\0041.0"s, "\0041.0\0"s, "\3771.0"s}) {
+    EXPECT_EQ(nullptr, load(fileHeader(1, wrong) + rest)) << testing::PrintToString(wrong);
+  }
+}
+
+TEST_F(Loader, TextRecordsMayHoldUpTo268BytesAndNoMore) {
+  const std::string before(255, 'f'), longest(255, 'x');
+  const auto read = [&](uint32_t size, const std::string& textField) {
+    std::string body = number(0) + number(4) + number(5) + textField;
+    body.resize(std::min(size, 300u), '!');
+    const auto table =
+        load(oneForm(3, {textRecord(9, 9, before), number(size) + body, textRecord(6, 6, "z")}));
+    return text(table, 4, 5) + ", " + text(table, 6, 6);
+  };
+  EXPECT_EQ(longest + ", z", read(268, "\377" + longest));
+  EXPECT_EQ("no table, no table", read(269, "\377" + longest));
+  EXPECT_EQ("no table, no table", read(0xFFFFFFFF, "\1a"));
+  EXPECT_EQ("ab, z", read(40, "\2abcdef"));
+  EXPECT_EQ("ab, z", read(15, "\377ab")) << "nothing of the record before";
+  EXPECT_EQ(", z", read(13, "\5"));
+  EXPECT_EQ(", z", read(12, ""));
+  EXPECT_EQ("", text(load(oneForm(3, {number(0)})), 0, 0)) << "a record of no bytes is complete";
+}
+
+TEST_F(Loader, CountsAndOffsetsBeyondTheFileEndTheLoad) {
+  const auto oneText = [&](uint32_t forms, uint32_t texts, uint32_t offset, unsigned int wanted = 3) {
+    const std::string form = formRecord(texts, 3, offset) + textRecord(1, 0, "one");
+    return text(load(fileHeader(forms) + form, wanted), 1, 0);
+  };
+  EXPECT_EQ("one", oneText(1, 1, 160));
+  EXPECT_EQ("none", oneText(1, 0, 160)) << "no texts are wanted, so none is missing";
+  EXPECT_EQ("one", oneText(0xFFFFFFFF, 1, 160)) << "the search stops at its form";
+  EXPECT_EQ("no table", oneText(0xFFFFFFFF, 1, 160, 4));
+  EXPECT_EQ("no table", oneText(0, 1, 160)) << "the form lies behind the header's count";
+  EXPECT_EQ("no table", oneText(1, 2, 160));
+  EXPECT_EQ("no table", oneText(1, 0xFFFFFFFF, 160));
+  for (const uint32_t offset : {161u, 164u, 177u, 180u, 4096u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+    EXPECT_EQ("no table", oneText(1, 1, offset)) << offset;
+  }
+  const std::string twice = formRecord(1, 3, 256) + formRecord(9, 3, 0) + textRecord(1, 0, "first");
+  EXPECT_EQ("first", text(load(fileHeader(2) + twice), 1, 0));
+}
+
+TEST_F(Loader, FilesCanBeReadRecordByRecord) {
+  writeFile("english.dat", oneForm(3, {textRecord(1, 2, "raw\\n"), number(269)}));
+  tMlForms form;
+  tMlTexte record = {};
+  EXPECT_EQ(nullptr, loader.openFormId(3, nullptr));
+  EXPECT_EQ(nullptr, loader.openFormId(4, &form));
+  const OpenFile file(loader.openFormId(3, &form));
+  ASSERT_TRUE(file);
+  EXPECT_EQ(2u, form.textCount);
+  EXPECT_EQ(1, loader.readElementText(file.get(), &record));
+  EXPECT_EQ(0, loader.readElementText(file.get(), &record));
+  EXPECT_EQ(1u, record.element);
+  EXPECT_EQ(2u, record.subElement);
+  EXPECT_STREQ("raw\\n", record.text) << "with its escapes, and unchanged by a failure";
+}
+
+TEST_F(Loader, ConvertsALengthPrefixedTextInPlace) {
+  const struct {
+    std::string before;
+    unsigned int size;
+    std::string after;
+  } cases[] = {{"\5hello##", 8, "hello\0##"s},   {"\5hello##", 6, "hello\0##"s},
+               {"\5hello##", 5, "hell\0o##"s},   {"\0hello##"s, 1, "\0hello##"s},
+               {"\377hello##", 8, "hello##\0"s}, {"\5hello##", 0, "\5hello##"}};
+  for (auto c : cases) {
+    loader.convertDelphiString(c.before.data(), c.size);
+    EXPECT_EQ(c.after, c.before) << c.size;
+  }
 }
 
 }  // namespace
