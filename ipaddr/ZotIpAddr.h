@@ -101,10 +101,11 @@ class ZOT_EXPORT ZotIpAddr {
   unsigned int SetIpV6Addr(const char* text);
   unsigned int SetIpAddr(const char* text);
 
-  // Prints by the rules of zot_inet.h, IPv4's about size included.  0, and an empty
-  // text, when the address is unset or its text does not fit.
+  // Prints by the rules of zot_inet.h.  0, and an empty text, when the address is
+  // unset or its text does not fit.
   //
-  //   buf  at least one byte, which is written whatever size says
+  //   buf   at least one byte, which is written whatever size says
+  //   size  of an IPv4 text, the terminator need not be counted (see zot_inet_ntop4)
   unsigned int GetStr(char* buf, unsigned int size) const;
 
   // The text in a buffer of this object; empty when the address is unset or the

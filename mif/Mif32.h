@@ -4,10 +4,10 @@
 // grows it as needed.  External mode: the caller lends memory, which is never
 // grown or freed and must outlive its use here.
 //
-// Results are 1 for success and 0 for failure unless stated otherwise; nothing
-// logs or throws.  An occurrence counts from 1 among the records of one OID, in
-// buffer order; occurrence 0 matches nothing.  Records behind an end marker are
-// never found.
+// Results are 1 for success and 0 for failure, and outputs change on success only,
+// unless stated otherwise; nothing logs or throws.  An occurrence counts from 1
+// among the records of one OID, in buffer order; occurrence 0 matches nothing.
+// Records behind an end marker are never found.
 //
 // No access leaves the block, whatever its bytes or SetLen and SetExternalMem
 // claim: a walk stops at the block's end, bytes outside read as 0 and are not
@@ -33,13 +33,14 @@ class ZOT_EXPORT Mif32 {
 
   // ---- Storage ----
 
-  // Makes room for n more bytes.  Growth takes the bytes in use, n and 1000 more;
-  // when it fails, the block and its records are lost but the object can grow
-  // again.  External memory does not grow: 0 when n bytes do not fit.
+  // Makes room for n more bytes.  Growth takes the bytes in use, n and 1000 more.
+  // When the heap refuses, block and records are lost, but the lengths stand as if
+  // they were not, and the next growth starts afresh.  External memory does not
+  // grow: 0 when n bytes do not fit.
   unsigned int CheckSize(unsigned int n);
 
-  // Replaces the block by an empty one of size zero bytes.  0 in external mode
-  // and when the memory cannot be had (the old block is gone then, too).
+  // Replaces the block by one of size bytes, all zero and none in use.  0 in external
+  // mode, and when the heap refuses: the old block is gone then, too.
   unsigned int Alloc(unsigned short size);
 
   // Lets go of the block and works in the caller's allocLen bytes at mem, of which
@@ -64,7 +65,7 @@ class ZOT_EXPORT Mif32 {
 
   // Replaces the contents by a copy of size bytes, taken as they are; no bytes or a
   // null data empty the object.  Ends external mode.  The current GetData() is
-  // left alone.  When memory is short the object is left without a block.
+  // left alone.  When the heap refuses, the object has no block and its old lengths.
   void SetData(const unsigned char* data, unsigned int size);
   void SetData(const char* data, unsigned int size);
 
@@ -129,7 +130,7 @@ class ZOT_EXPORT Mif32 {
                          unsigned int occurrence);
 
   // Copies the value.  *len is the room in dst, then the value's length; a null dst
-  // asks for the length only.  0, and *len unchanged, when the room is too small.
+  // asks for the length only.  0 when the room is too small.
   unsigned int GetBin(unsigned short oid, unsigned char* dst, unsigned int* len, unsigned int occurrence);
 
   // Reads four bytes in host order whatever the record's length is.

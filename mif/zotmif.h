@@ -60,9 +60,10 @@ ZOT_EXPORT uint32_t zotmifGetBinData(const unsigned char* buf, uint32_t len, uns
 ZOT_EXPORT uint32_t zotmifGetBinDataPtr(const unsigned char* buf, uint32_t len, unsigned short oid,
                                         const unsigned char** value, uint32_t* valueLen, uint32_t occurrence);
 
-// Loads an address of 4 or 16 bytes; addr must not be null.  The result is inverted: 0 when the address
-// was loaded, 1 when the value has another length and addr became 0.0.0.0.  A
-// missing record also sets 0.0.0.0 but gives 0.  Callers rely on all three.
+// Loads an address of 4 or 16 bytes; addr must not be null.  The result is
+// inverted: 0 when the address was loaded, 1 when the value has another length and
+// addr became 0.0.0.0.  A missing record also sets 0.0.0.0 but gives 0.  Callers
+// rely on all three.
 ZOT_EXPORT uint32_t zotmifGetIpAddrV4(const unsigned char* buf, uint32_t len, unsigned short oid,
                                       ZotIpAddr* addr, uint32_t occurrence);
 

@@ -52,7 +52,8 @@ typedef struct Mif32 Mif32;
 - (int)getDataLen;
 
 // ---- Adding ----
-// A text that ISO 8859-1 cannot hold is not added.  Lengths are cut to 16 bits.
+// A text that ISO 8859-1 cannot hold is not added, nor are empty data whose bytes
+// are a null pointer.  Lengths are cut to 16 bits.
 
 - (void)addInt:(NSNumber*)value forOid:(int)oid;
 - (void)addInt64:(NSNumber*)value forOid:(int)oid;
@@ -70,7 +71,7 @@ typedef struct Mif32 Mif32;
 
 // ---- Updating ----
 // YES when a record was replaced.  A missing record is appended, and the answer
-// is NO all the same: callers rely on it.
+// is NO all the same: callers rely on it.  What cannot be added changes nothing.
 
 - (BOOL)updateInt:(NSNumber*)value forOid:(int)oid;
 - (BOOL)updateInt64:(NSNumber*)value forOid:(int)oid;

@@ -5,10 +5,7 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
-#include <algorithm>
-#include <cstring>
 #include <map>
-#include <memory>
 #include <string>
 #include <tuple>
 #include <typeinfo>
@@ -30,9 +27,10 @@ Bytes octets(const ZotIpAddr& addr, unsigned long count = 16) {
 }
 
 // The bytes of an object, cut or filled with zeros to a size.
-Bytes laidOut(const void* object, size_t objectSize, size_t size) {
-  const auto* first = static_cast<const unsigned char*>(object);
-  Bytes bytes(first, first + objectSize);
+template <typename Object>
+Bytes laidOut(const Object& object, size_t size) {
+  const auto* first = reinterpret_cast<const unsigned char*>(&object);
+  Bytes bytes(first, first + sizeof object);
   bytes.resize(size);
   return bytes;
 }
@@ -121,17 +119,16 @@ TEST(IpAddr, ConvertsBetweenTheFamilies) {
 }
 
 TEST(IpAddr, NeverHoldsMoreThanSixteenBytes) {
-  const auto full = std::make_unique<unsigned char[]>(16);
-  std::fill_n(full.get(), 16, static_cast<unsigned char>(0xEE));
-  const ZotIpAddr huge(full.get(), 0xFFFFFFFF);
+  const Bytes full(16, 0xEE);
+  const ZotIpAddr huge(full.data(), 0xFFFFFFFF);
   ZotIpAddr copy(huge);
   copy = huge;
-  EXPECT_EQ(Bytes(16, 0xEE), octets(copy));
+  EXPECT_EQ(full, octets(copy));
   EXPECT_EQ(Bytes(3, 0), Bytes({copy[16], copy[17], copy[1UL << 31]}));
   EXPECT_EQ(0, copy.GetAF());
   EXPECT_EQ(0u, copy.IsConfigured());
   EXPECT_EQ(1u, copy <= huge);
-  EXPECT_EQ(0, ZotIpAddr(full.get(), 16)[16]);
+  EXPECT_EQ(0, ZotIpAddr(full.data(), 16)[16]);
   EXPECT_EQ(Bytes({1, 2, 3, 4, 0, 0}), octets("1.2.3.4", 6));
 }
 
@@ -204,29 +201,25 @@ TEST(IpAddr, TakesRecordValuesWithTheirTwoKindsOfResult) {
 }
 
 TEST(IpAddr, FillsSocketAddressesWithinTheirSize) {
-  const unsigned short port = htons(8080);
-  for (unsigned long size = 0; size <= sizeof(sockaddr_storage); ++size) {
-    SCOPED_TRACE(size);
-    sockaddr_in in{};
-    in.sin_family = AF_INET;
-    in.sin_port = port;
-    in.sin_addr.s_addr = htonl(0x0A010203);
-    sockaddr_in6 in6{};
-    in6.sin6_family = AF_INET6;
-    in6.sin6_port = port;
-    in6.sin6_addr.s6_addr[15] = 1;
-    const Bytes v4 = laidOut(&in, sizeof in, size);
-    const Bytes v6 = size < 28 ? Bytes(size) : laidOut(&in6, sizeof in6, size);
-    const std::pair<const char*, Bytes> cases[] = {{"10.1.2.3", v4}, {"::1", v6}, {"", Bytes(size)}};
+  sockaddr_in in{};
+  in.sin_family = AF_INET;
+  in.sin_port = htons(8080);
+  in.sin_addr.s_addr = htonl(0x0A010203);
+  sockaddr_in6 in6{};
+  in6.sin6_family = AF_INET6;
+  in6.sin6_port = htons(8080);
+  in6.sin6_addr.s6_addr[15] = 1;
+  for (size_t size = 1; size <= sizeof(sockaddr_storage); ++size) {
+    const std::pair<const char*, Bytes> cases[] = {{"10.1.2.3", laidOut(in, size)},
+                                                   {"::1", size < 28 ? Bytes(size) : laidOut(in6, size)},
+                                                   {"", Bytes(size)}};
     for (const auto& [address, expected] : cases) {
-      // Its own block of exactly this size, so a write past the end is caught.
-      const auto block = std::make_unique<unsigned char[]>(size);
-      std::memset(block.get(), 0xA5, size);
-      ZotIpAddr(address).InitSockAddr(reinterpret_cast<sockaddr*>(block.get()), size, port);
-      EXPECT_EQ(expected, Bytes(block.get(), block.get() + size)) << address;
+      Bytes block(size, 0xA5);
+      ZotIpAddr(address).InitSockAddr(reinterpret_cast<sockaddr*>(block.data()), size, htons(8080));
+      EXPECT_EQ(expected, block) << address << " " << size;
       if (size == sizeof(sockaddr_storage)) {
         ZotIpAddr read("1.1.1.1");
-        read.SetFromSockAddr(reinterpret_cast<sockaddr_storage*>(block.get()));
+        read.SetFromSockAddr(reinterpret_cast<sockaddr_storage*>(block.data()));
         EXPECT_EQ(address, text(read));
       }
     }

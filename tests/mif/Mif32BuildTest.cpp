@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "mif/Mif32.h"
+#include "support/FailingHeap.h"
 #include "tests/mif/MifBytes.h"
 
 namespace {
@@ -85,13 +86,11 @@ TEST(Mif32Building, GrowsByTheRequestAndThousand) {
 
 TEST(Mif32Building, AppendsFromItsOwnBlockWhileItMoves) {
   Mif32 mif;
-  load(mif, rec(1, "payload"));
-  for (int i = 0; i < 12; ++i) {
-    ASSERT_EQ(1u, mif.RawAddBin(mif.GetData(), mif.GetLen()));
-  }
   std::string expected = rec(1, "payload");
+  load(mif, expected);
   for (int i = 0; i < 12; ++i) {
-    expected += expected;
+    ASSERT_EQ(1u, mif.RawAddBin(mif.GetData() + 1, mif.GetLen() - 1));
+    expected += expected.substr(1);
   }
   EXPECT_EQ(expected, contents(mif));
 }
@@ -151,11 +150,14 @@ TEST(Mif32External, NeitherGrowsNorFreesTheCallersMemory) {
   EXPECT_EQ(1u, mif.RawAddStr("sixsix"));
   EXPECT_EQ(0u, mif.RawAddByte(1));
   EXPECT_EQ(10u, mif.GetLen());
+  mif.SetData("own", 3);
+  EXPECT_EQ(0u, mif.IsExternalMem(nullptr));
+  EXPECT_EQ(1u, mif.RawAddByte(1)) << "it grows again";
+  ASSERT_EQ(1u, mif.SetExternalMem(memory.data(), 10, 10));
   mif.ClearBuffer();
   EXPECT_EQ(nullptr, mif.GetData());
-  EXPECT_EQ(0u, mif.GetAllocLen());
-  EXPECT_EQ("UUUUsixsix", std::string(memory.begin(), memory.end())) << "detaching wipes nothing";
-  EXPECT_EQ(1u, mif.AddInt(7, 1)) << "it is an owned buffer again";
+  EXPECT_EQ(0u, mif.GetLen() + mif.GetAllocLen() + mif.IsExternalMem(nullptr));
+  EXPECT_EQ("UUUUsixsix", std::string(memory.begin(), memory.end())) << "letting go wipes nothing";
 }
 
 TEST(Mif32Storage, SetDataCopiesAlsoFromItsOwnBlock) {
@@ -173,6 +175,49 @@ TEST(Mif32Storage, SetDataCopiesAlsoFromItsOwnBlock) {
   mif.SetData("x", 0);
   EXPECT_EQ(nullptr, mif.GetData());
   EXPECT_EQ(0u, mif.GetAllocLen());
+}
+
+TEST(Mif32Memory, AFailedGrowthLosesTheRecordsButCanGrowAgain) {
+  Mif32 mif;
+  load(mif, "abc");
+  {
+    const FailingHeap heap;
+    EXPECT_EQ(0u, mif.AddInt(1, 1));
+    EXPECT_EQ(nullptr, mif.GetData());
+    EXPECT_EQ(3u, mif.GetLen());
+    EXPECT_EQ(3u + 8 + 1000, mif.GetAllocLen());
+    EXPECT_EQ(0u, mif.AddInt(1, 1)) << "the new figure is no room";
+    EXPECT_EQ(0u, mif.AddEndKz());
+    EXPECT_EQ(0u, mif.Alloc(10));
+    EXPECT_EQ(10u, mif.GetAllocLen());
+  }
+  EXPECT_EQ(1u, mif.AddInt(1, 1));
+  EXPECT_EQ(rec(1, host(1, 4)), contents(mif));
+}
+
+TEST(Mif32Memory, AFailedCopyLeavesNoBlockAndAFailedUpdateChangesNothing) {
+  const std::string bytes = rec(1, "abc");
+  Mif32 mif;
+  load(mif, bytes);
+  {
+    const FailingHeap heap;
+    EXPECT_EQ(0u, mif.UpdStr(1, "xyz", 1));
+    EXPECT_EQ(bytes, contents(mif));
+    mif.SetData("other", 5);
+  }
+  EXPECT_EQ(nullptr, mif.GetData());
+  EXPECT_EQ(bytes.size(), mif.GetLen());
+  EXPECT_EQ(0u, mif.SearchValue(1, nullptr, 1));
+
+  unsigned char memory[16];
+  ASSERT_EQ(1u, mif.SetExternalMem(memory, sizeof memory, 0));
+  {
+    const FailingHeap heap;
+    mif.SetData("other", 5);
+  }
+  EXPECT_EQ(0u, mif.RawAddByte(1)) << "neither the lent memory nor a block of its own";
+  mif.ClearBuffer();
+  EXPECT_EQ(1u, mif.RawAddByte(1));
 }
 
 }  // namespace

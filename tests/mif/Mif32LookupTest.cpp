@@ -1,13 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <string>
 
 #include "mif/Mif32.h"
+#include "support/Capture.h"
+#include "support/Child.h"
 #include "tests/mif/MifBytes.h"
 
 namespace {
@@ -98,38 +98,28 @@ TEST(Mif32Print, DumpsEveryUsedByte) {
   const unsigned char bytes[] = {0x00, 0x07, 0x00, 0x04, 0x01, 0x02, 0x03, 0xAB, 0xFF, 0xFF};
   Mif32 mif;
   mif.SetData(bytes, sizeof bytes);
-  testing::internal::CaptureStdout();
-  EXPECT_EQ('\n', mif.Print());
-  EXPECT_EQ("Len  : 10\nData : 00 07 00 04 01 02 03 ab ff ff \n", testing::internal::GetCapturedStdout());
+  const auto dump = zot_test::captured([&] { EXPECT_EQ('\n', mif.Print()); });
+  EXPECT_EQ("Len  : 10\nData : 00 07 00 04 01 02 03 ab ff ff \n", dump.out);
 }
 
-// The dump of 64 KiB goes on until its reader goes away.
 TEST(Mif32Print, NeverEndsAt64KiB) {
   Mif32 mif;
-  const std::string large(65536, 'z');
-  ASSERT_EQ(1u, mif.RawAddBin(bytesOf(large), 65536));
+  ASSERT_EQ(1u, mif.RawAddStr(std::string(65536, 'z').c_str()));
   int ends[2];
   ASSERT_EQ(0, pipe(ends));
-  const pid_t child = fork();
-  if (child == 0) {
+  zot_test::Child child([&] {
     dup2(ends[1], STDOUT_FILENO);
     close(ends[0]);
-    close(ends[1]);
-    mif.Print();
-    _exit(0);
-  }
+    return mif.Print();
+  });
   close(ends[1]);
-  size_t seen = 0;
   char block[4096];
-  while (seen < 2 * 3 * 65536) {
-    const ssize_t got = read(ends[0], block, sizeof block);
-    ASSERT_GT(got, 0);
-    seen += static_cast<size_t>(got);
+  size_t seen = 0;
+  for (ssize_t got = 1; seen < 2 * 3 * 65536 && got > 0; seen += static_cast<size_t>(got)) {
+    got = read(ends[0], block, sizeof block);
   }
   close(ends[0]);
-  int status = 0;
-  ASSERT_EQ(child, waitpid(child, &status, 0));
-  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGPIPE);
+  EXPECT_EQ(128 + SIGPIPE, child.wait()) << "it goes on until its reader goes away";
 }
 
 }  // namespace
