@@ -1,6 +1,6 @@
 #include "Message.h"
 
-#include <cctype>
+#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
 
