@@ -165,6 +165,7 @@ TEST(IpAddr, ReadsAndPrintsText) {
   ZotIpAddr addr("9.9.9.9");
   EXPECT_EQ(0u, addr.SetIpV6Addr("1.2.3.4"));
   EXPECT_EQ(0, addr.GetAF());
+  EXPECT_EQ(Bytes(16), octets(addr));
   EXPECT_EQ(0u, addr.SetIpV4Addr("::1"));
   EXPECT_EQ(0u, addr.SetIpAddr(nullptr));
   EXPECT_EQ(1u, addr.SetIpV6Addr("fe80::1"));
@@ -227,9 +228,10 @@ TEST(IpAddr, FillsSocketAddressesWithinTheirSize) {
 }
 
 TEST(IpAddr, SetsItsNamedHostsAndWords) {
-  ZotIpAddr addr("fe80::1");
+  ZotIpAddr addr("1:2:3:4:5:6:7:8");
   addr.SetAnyHostV4();
   EXPECT_EQ("0.0.0.0", text(addr));
+  EXPECT_EQ(Bytes(16), octets(addr)) << "nothing is left of the address before";
   addr.SetLocalHostV6();
   EXPECT_EQ("::1", text(addr));
   addr.SetAnyHostV6();

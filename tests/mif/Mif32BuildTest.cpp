@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "mif/Mif32.h"
+#include "mif/zotmif.h"
 #include "support/FailingHeap.h"
 #include "tests/mif/MifBytes.h"
 
@@ -26,8 +27,18 @@ TEST(Mif32Format, IsTheseBytesInEitherByteOrder) {
                                   9,    0,    8,    0,    8, 7, 6, 5, 4,   3,   2, 1, 0x34, 0x12, 4,    0,
                                   0xFE, 0xFF, 0xFF, 0xFF, 5, 0, 2, 0, 'a', 'b', 5, 0, 0,    0,    0xFF, 0xFF};
   static_assert(sizeof big == sizeof little);
-  const auto* expected = std::endian::native == std::endian::big ? big : little;
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(expected), sizeof big), contents(mif));
+  const bool isBig = std::endian::native == std::endian::big;
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(isBig ? big : little), sizeof big), contents(mif));
+
+  // Nothing swaps bytes: a message of the other order has none of these fields.
+  mif.SetData(isBig ? little : big, sizeof big);
+  const unsigned short oids[] = {7, 9, 0x1234, 5};
+  for (const unsigned short oid : oids) {
+    EXPECT_EQ(0u, mif.SearchValue(oid, nullptr, 1));
+    EXPECT_EQ(0u, zotmifGetInt(mif.GetData(), mif.GetLen(), oid, nullptr, 1));
+  }
+  EXPECT_EQ(1u, mif.SearchValue(0x0700, nullptr, 1)) << "it is one field of 1,024 bytes";
+  EXPECT_EQ(0u, mif.DelOid(0x0700)) << "most of which are not there";
 }
 
 TEST(Mif32Format, RawAppendsHaveNoHeader) {

@@ -164,7 +164,7 @@ TEST(RangeText, ListsEveryRecordOfTheOid) {
   };
   const std::string mixed = rec(8, "\x05\x05") + rec(9, "no") + rec(8, words(10, 20, 2)) + rec(8, "odd");
   const std::string one("\x01\0\0\x0A\x01\0\0\x0A", 8);
-  const std::string many("\x01\0\0\x0A\xFE\0\0\x0A", 8);
+  const std::string many("\x01\x02\x03\x0A\xFE\x05\x04\x0A", 8);
   const struct {
     std::string bytes;
     int ipFormat;
@@ -174,7 +174,7 @@ TEST(RangeText, ListsEveryRecordOfTheOid) {
       {mixed, 0, 1, "5, 10-20, "},
       {mixed + kEndKz + rec(8, "\x07\x07"), 1, 1, "5, 10-20, "},
       {rec(8, one), 1, 1, "10.0.0.1"},
-      {rec(8, many) + rec(8, one), 1, 1, "10.0.0.1-10.0.0.254, 10.0.0.1"},
+      {rec(8, many) + rec(8, one), 1, 1, "10.3.2.1-10.4.5.254, 10.0.0.1"},
       {rec(8, words(70000, 0xFFFFFFFE, 4)) + rec(8, words(9, 9, 4)), 0, 1, "70000--2, 9"},
       {rec(8, "\xC8\xFF") + rec(8, words(0xFFFF, 0, 2)), 0, 1, "200-255, 65535-0"},
       {rec(8, "") + rec(8, "abc"), 0, 0, ", "},

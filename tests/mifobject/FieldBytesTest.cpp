@@ -17,36 +17,34 @@ TEST(FieldByte, IsTheOneAtTheLowestAddress) {
 
 TEST(LooseIpV4, ReadsWhatStandsThere) {
   const struct {
-    const char* text;
+    std::string text;
     int32_t numbers[4];
   } cases[] = {
-      {"10.1.2.255", {10, 1, 2, 255}},
       {"1.2", {1, 2, 0, 0}},
       {"", {0, 0, 0, 0}},
       {"1..3.", {1, 0, 3, 0}},
       {"1.2.3.4.56789", {1, 2, 3, 4}},
       {" 7.-1.+9.8x", {7, -1, 9, 8}},
-      {"x1.300.0x9.007", {0, 300, 0, 7}},
       // A longer field runs on into the next one's room.
       {"1234.5.6.7", {12345, 5, 6, 7}},
       {"12345678.9", {12349678, 9678, 0, 0}},
       {"1.2.3456.7", {1, 2, 34567, 7}},
+      // These fill the room of the fourth: one character more is refused.
+      {"10.1.2.255", {10, 1, 2, 255}},
+      {"x1.300.0x9.007", {0, 300, 0, 7}},
       {"1.2.3456789", {1, 2, 3456789, 789}},
+      {"1.2.3.456", {1, 2, 3, 456}},
+      {"000000000012345", {12345, 12345, 12345, 345}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
-    const auto value = zot::looseIpV4(c.text);
+    const auto value = zot::looseIpV4(c.text.c_str());
     ASSERT_TRUE(value);
     for (size_t i = 0; i < 4; ++i) {
       EXPECT_EQ(zot::fieldByte(c.numbers[i]), (*value)[3 - i]) << i;
     }
-  }
-}
-
-TEST(LooseIpV4, RefusesWhatRunsPastTheFourthField) {
-  for (const char* text : {"1.2.3.456", "1.2.3456789", "1.23456789abc", "123456789012345"}) {
-    EXPECT_TRUE(zot::looseIpV4(text)) << text;
-    EXPECT_FALSE(zot::looseIpV4((text + std::string("x")).c_str())) << text;
+    const bool full = &c >= std::end(cases) - 5;
+    EXPECT_EQ(!full, zot::looseIpV4((c.text + "x").c_str()).has_value());
   }
 }
 
