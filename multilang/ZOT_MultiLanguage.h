@@ -62,7 +62,8 @@ class ZOT_EXPORT ZOT_MultiLanguage {
   // is of no use.
   FILE* openFormId(unsigned int formNumber, tMlForms* formRecord);
 
-  // Reads the text record (268 bytes) at the file's position and terminates its text.
+  // Reads the text record (268 bytes) at the file's position: element number at offset
+  // 4, sub-element number at 8, the text, now terminated, at 12.
   // Returns 1; 0 on damage or at the end of the file, and textRecord is unchanged.
   int readElementText(FILE* file, tMlTexte* textRecord);
 
