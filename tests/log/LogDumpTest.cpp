@@ -1,7 +1,4 @@
-#include <gtest/gtest.h>
-
 #include <memory>
-#include <string>
 
 #include "log/LogInternal.h"
 #include "support/LogFixture.h"
@@ -36,13 +33,10 @@ TEST(HexDump, ShowsFullAndPaddedLines) {
 TEST(HexDump, EndsWhereItsRoomEnds) {
   const char bytes[] = "ABCDEFGHIJKLMNOPQRST";
   const std::string full = kNine + " 41 42 43 44 45 46 47 48 49 4A 4B 4C 4D 4E 4F 50   ABCDEFGHIJKLMNOP\n";
-  const std::string tail = full + kNine + " 51 52 53 54";
+  const std::string tail = full + kNine + " 51 52 53 54", gap(39, ' ');
   // By the characters that may stand behind the length line.  Two more bytes are
   // kept; a line cut within its characters has its newline in one of them.
-  const struct {
-    unsigned int limit;
-    std::string expected;
-  } cases[] = {
+  const std::pair<unsigned int, std::string> cases[] = {
       {8, "\n"},
       {11, kNine + "\n"},
       {12, kNine + " 41\n"},
@@ -51,16 +45,12 @@ TEST(HexDump, EndsWhereItsRoomEnds) {
       {75, full.substr(0, 75) + "\n"},
       {76, full},
       {86, full + kNine + "\n"},
-      {97, full + kNine + " 51 52 53\n"},
       {133, tail + "\n"},  // no room for the blanks of the missing bytes
-      {136, tail + std::string(36, ' ') + "\n"},
-      {138, tail + std::string(39, ' ') + "Q\n"},
-      {142, tail + std::string(39, ' ') + "QRST\n\n"},
-  };
-  for (const auto& c : cases) {
+      {138, tail + gap + "Q\n"},
+      {142, tail + gap + "QRST\n\n"}};
+  for (const auto& [limit, expected] : cases) {
     // What the kept bytes cannot take is cut from the end.
-    const std::string expected = c.expected.substr(0, c.limit + 1);
-    EXPECT_EQ(" len=   20\n" + expected, dump(bytes, 20, 1, 11 + c.limit + 2)) << c.limit;
+    EXPECT_EQ(" len=   20\n" + expected.substr(0, limit + 1), dump(bytes, 20, 1, 11 + limit + 2)) << limit;
   }
   for (unsigned int size = 1; size < 150; ++size) {
     EXPECT_LT(dump(bytes, 20, 1, size).size() + dump(bytes, 5, 2, size).size(), 2 * size);

@@ -1,36 +1,31 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/ipc.h>
 #include <sys/shm.h>
 
-#include <cerrno>
 #include <cstddef>
 #include <fstream>
-#include <string>
-#include <vector>
 
 #include "os/SharedControlBlock.h"
 #include "os/ZotOsSystemInternal.h"
+#include "support/CallScript.h"
 #include "support/Child.h"
 #include "support/FailingHeap.h"
 #include "support/LogFixture.h"
-#include "support/RefusedAttach.h"
 
 namespace {
 
 using namespace zot_test;
-using Lines = std::vector<std::string>;
+using Words = std::vector<uint32_t>;
 
 static_assert(offsetof(ZotOsLog, LocSemCnt) == 0 && offsetof(ZotOsLog, level) == sizeof(void*) &&
               offsetof(ZotOsLog, localLevel) == 2 * sizeof(void*));
 
-std::vector<uint32_t> words(const ZotOsLog* log) {
+Words words(const ZotOsLog* log) {
   const auto* first = static_cast<const uint32_t*>(log->handle.address);
   return {first, first + 3};
 }
 
-Lines lines(ZotOsLog* log, uint32_t mask) {
-  return withoutStamps(captured([=] { ZotOsvLog(log, mask, "x"); }).out);
+std::string written(ZotOsLog* log, uint32_t mask) {
+  return joined(withoutStamps(captured([=] { ZotOsvLog(log, mask, "x"); }).out));
 }
 
 TEST(LogObject, OfTheFirstProcessMakesTheBlock) {
@@ -45,16 +40,15 @@ TEST(LogObject, OfTheFirstProcessMakesTheBlock) {
   }
   EXPECT_THAT(row, testing::ContainsRegex("32777 +[0-9]+ +666 +500 ")) << "key, identifier, mode, bytes";
   EXPECT_EQ(log->handle.address, log->level);
-  EXPECT_EQ((std::vector<uint32_t>{0, 1, 0}), words(log));
+  EXPECT_EQ((Words{0, 1, 0}), words(log));
   EXPECT_EQ(0x80000000u, log->localLevel);
 
   pstLog = log;
   ZotOsvSetLogLevel(log, kEveryLine);
   const std::string id = std::to_string(log->handle.shmId);
-  const auto written = captured([] { ZotOsvLogDelete(&pstLog); });
-  EXPECT_EQ((Lines{"TRACE ZotOsMmfClose(" + id + "): shm 1 attached processes",
-                   "TRACE ZotOsMmfClose(" + id + "): close shm"}),
-            withoutStamps(written.out));
+  EXPECT_EQ(filled("TRACE ZotOsMmfClose(ID): shm 1 attached processes\nTRACE ZotOsMmfClose(ID): close shm\n",
+                   {{"ID", id}}),
+            joined(withoutStamps(captured([] { ZotOsvLogDelete(&pstLog); }).out)));
   EXPECT_EQ(nullptr, pstLog);
   ZotOsvLogDelete(&pstLog);
   EXPECT_EQ(-1, shmget(0x8009, 0, 0));
@@ -65,20 +59,20 @@ TEST(LogObject, SharesItsLevelWithOtherProcesses) {
   static_cast<uint32_t*>(log->handle.address)[2] = 5;
   Child second([] {
     ZotOsLog* mine = ZotOspLogNew();
-    EXPECT_EQ((std::vector<uint32_t>{0, 2, 5}), words(mine)) << "only who made the block clears the third";
+    EXPECT_EQ((Words{0, 2, 5}), words(mine)) << "only who made the block clears the third";
     ZotOsvSetLogLevel(mine, 0x20000001);
     EXPECT_TRUE(waitUntil([&] { return ZotOsdGetLogLevel(mine) == 0x40000001; }));
-    EXPECT_EQ(Lines{}, lines(mine, 0x20000000));
-    EXPECT_EQ(Lines{"x"}, lines(mine, 0x40000000));
+    EXPECT_EQ("", written(mine, 0x20000000));
+    EXPECT_EQ("x\n", written(mine, 0x40000000));
     ZotOsvLogDelete(&mine);
     return 0;
   });
   EXPECT_TRUE(waitUntil([&] { return ZotOsdGetLogLevel(log) == 0x20000001; }));
-  EXPECT_EQ(Lines{"x"}, lines(log, 0x20000000));
+  EXPECT_EQ("x\n", written(log, 0x20000000));
   ZotOsvSetLogLevel(log, 0x40000000);
   ZotOsvResLogLevel(log, 0x20000000);
   EXPECT_EQ(0, second.wait());
-  EXPECT_EQ((std::vector<uint32_t>{0x40000001, 1, 5}), words(log));
+  EXPECT_EQ((Words{0x40000001, 1, 5}), words(log));
   ZotOsvLogDelete(&log);
 
   log = ZotOspLogNew();
@@ -86,21 +80,10 @@ TEST(LogObject, SharesItsLevelWithOtherProcesses) {
   ZotOsvLogDelete(&log);
 }
 
-TEST(LogObject, IsNullWithoutMemoryOrBlock) {
-  {
-    const FailingHeap none;
-    EXPECT_EQ(nullptr, ZotOspLogNew());
-  }
-  const RefusedAttach refused(ENOMEM);
-  EXPECT_EQ(nullptr, ZotOspLogNew());
-  EXPECT_EQ(-1, shmget(0x8009, 0, 0)) << "who cannot attach removes it";
-}
-
-TEST(LogObject, AttachesACallersHandle) {
+TEST(LogObject, AttachesACallersHandleOrNothing) {
   ZotOsMmfHandle first, second;
   uint32_t word = 0, otherWord = 0;
-  uint32_t* level = nullptr;
-  uint32_t* otherLevel = nullptr;
+  uint32_t *level = nullptr, *otherLevel = nullptr;
   ASSERT_EQ(1u, fnfOpenShm(&first, &word, &level));
   ASSERT_EQ(1u, fnfOpenShm(&second, &otherWord, &otherLevel));
   EXPECT_EQ(0x80000000u, word);
@@ -112,10 +95,14 @@ TEST(LogObject, AttachesACallersHandle) {
   EXPECT_EQ(1u, level[1]) << "closed twice, counted once";
   fnvCloseShm(&first);
 
-  const RefusedAttach refused(EMFILE);
+  attaches = {EMFILE, EMFILE};
   EXPECT_EQ(0u, fnfOpenShm(&first, &word, &level));
   EXPECT_EQ(&word, level);
   fnvCloseShm(&first);
+  EXPECT_EQ(nullptr, ZotOspLogNew());
+  EXPECT_EQ(-1, shmget(0x8009, 0, 0)) << "who cannot attach removes it";
+  const FailingHeap none;
+  EXPECT_EQ(nullptr, ZotOspLogNew());
 }
 
 }  // namespace

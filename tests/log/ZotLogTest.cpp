@@ -1,16 +1,10 @@
 #include "log/ZotLog.h"
 
-#include <gtest/gtest.h>
 #include <sys/time.h>
 #include <syslog.h>
-#include <unistd.h>
 
-#include <cerrno>
 #include <cstdarg>
-#include <ctime>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "log/LogInternal.h"
 #include "log/LogLineInternal.h"
@@ -81,23 +75,18 @@ TEST(LogLine, IsStampMessageAndNewline) {
 }
 
 TEST(LogLine, IsWrittenWhenMaskAndLevelShareMoreThanBitZero) {
-  const struct {
-    uint32_t level;
-    uint32_t mask;
-    int newlines;
-  } cases[] = {
-      {0x20000001, 0x20000000, 5}, {0x20000001, 0x40000000, 0}, {0x00000001, 0xFFFFFFFF, 0},
-      {0x00000005, 0x00000004, 5}, {0x00000003, 0x00000003, 5}, {0x80000001, 0x68000004, 0},
-  };
-  for (const auto& c : cases) {
-    const TestLog log(c.level);
-    const auto written = captured([&] {
-      ZotOsvLog(pstLog, c.mask, "a");
-      ZotOsvLogData(pstLog, c.mask, "b", "", 0, 0);
-      ZotOsvvLogData(pstLog, c.mask, "", 0, 0, "c");
+  const std::tuple<uint32_t, uint32_t, bool> cases[] = {
+      {0x20000001, 0x20000000, true}, {0x20000001, 0x40000000, false}, {0x00000001, 0xFFFFFFFF, false},
+      {0x00000005, 0x00000004, true}, {0x00000003, 0x00000003, true},  {0x80000001, 0x68000004, false}};
+  for (const auto& [level, mask, passes] : cases) {
+    const TestLog log(level);
+    const auto written = captured([&, mask = mask] {
+      ZotOsvLog(pstLog, mask, "a");
+      ZotOsvLogData(pstLog, mask, "b", "", 0, 0);
+      ZotOsvvLogData(pstLog, mask, "", 0, 0, "c");
     });
-    EXPECT_EQ(c.newlines, std::count(written.out.begin(), written.out.end(), '\n'))
-        << c.level << " " << c.mask;
+    EXPECT_EQ(passes ? 5 : 0, std::count(written.out.begin(), written.out.end(), '\n'))
+        << level << " " << mask;
   }
 }
 
@@ -160,27 +149,15 @@ TEST(LogLevel, IsReadAndChangedThroughThePointerIfThereIsOne) {
   }
 }
 
-TEST(LibraryLine, EndsInTheErrorAndTheIdsWhenItIsOn) {
-  // The first thread's id is the process's.
-  const std::string ids = "pid=" + std::to_string(getpid()) + " tid=" + std::to_string(getpid()) + ")";
-  EXPECT_EQ((Lines{"TRACE plain", "TRACE ids(1) (" + ids, "ERROR err (2=No such file or directory)",
-                   "FATAL both(k) (17=File exists " + ids}),
-            logLines([] {
-              ZOT_LINE(ZOT_LOG_TRACE, "TRACE plain");
-              ZOT_LINE_IDS(ZOT_LOG_TRACE, "TRACE ids(%d) (pid=%u tid=%ld)", 1);
-              ZOT_LINE_ERR(ZOT_LOG_ERROR, ENOENT, "ERROR err (%d=%s)");
-              ZOT_LINE_ERR_IDS(ZOT_LOG_FATAL, EEXIST, "FATAL both(%s) (%d=%s pid=%u tid=%ld)", "k");
-            }));
+TEST(LibraryLine, AsksForItsArgumentsOnlyWhenItIsOn) {
   int evaluated = 0;
   const TestLog log(ZOT_LOG_ERROR | ZOT_LOG_STDOUT);
   ZOT_LINE_ERR_IDS(ZOT_LOG_DEBUG, EXDEV, "%d (%d=%s pid=%u tid=%ld)", ++evaluated);
-  EXPECT_EQ(0, evaluated) << "the line is off";
+  EXPECT_EQ(0, evaluated);
 }
 
 TEST(SystemLog, IsOpenedOnceAndGetsTheMessageAlone) {
   const TestLog log(0x68000004);
-  opened.clear();
-  logged.clear();
   dLogOpen = 0x10000000;  // this bit does not count
   const auto written = captured([] {
     ZotOsvLog(pstLog, 4, "FATAL f: %d", 1);
@@ -191,9 +168,8 @@ TEST(SystemLog, IsOpenedOnceAndGetsTheMessageAlone) {
   EXPECT_EQ(Lines{"ZotOsLog"}, opened);
   EXPECT_EQ(0x10000001u, dLogOpen);
   ASSERT_EQ(3u, logged.size());
-  EXPECT_EQ("FATAL f: 1\n", logged[0].first);
-  EXPECT_EQ("\npvData = NULL !!!", logged[1].first);
-  EXPECT_EQ("dump len=    2\n\n", logged[2].first);
+  EXPECT_EQ("FATAL f: 1\n|\npvData = NULL !!!|dump len=    2\n\n",
+            logged[0].first + "|" + logged[1].first + "|" + logged[2].first);
 }
 
 TEST(SystemLog, InterpretsOnlyConversionsThatNeedNoArgument) {

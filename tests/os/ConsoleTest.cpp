@@ -1,14 +1,9 @@
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <pty.h>
 #include <termios.h>
-#include <unistd.h>
 #include <utmp.h>
 
-#include <csignal>
 #include <cstring>
-#include <functional>
-#include <string>
 
 #include "os/ZotOsSystem.h"
 #include "support/Child.h"
@@ -48,8 +43,7 @@ class Console : public testing::Test {
     return now;
   }
 
-  int keys = -1;
-  int screen = -1;
+  int keys = -1, screen = -1;
   termios before{};
 };
 

@@ -2,11 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <csignal>
-#include <cstdlib>
-#include <string>
-#include <vector>
-
 #include "support/Child.h"
 #include "support/LogFixture.h"
 #include "support/TemporaryDirectory.h"

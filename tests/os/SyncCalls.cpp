@@ -1,52 +1,15 @@
 #include "SyncCalls.h"
 
 #include <pthread.h>
-#include <unistd.h>
 
 #include <cstdarg>
-#include <regex>
-#include <sstream>
 
 #include "os/NamedSemaphoreInternal.h"
 
-namespace zot_test {
-
-SyncCalls syncCalls;
-std::atomic<int> condWaits{0};
-timespec lastDeadline{};
-
-std::string filled(std::string lines, std::map<std::string, std::string> values) {
-  const std::string pid = std::to_string(getpid());
-  values["IDS"] = "pid=" + pid + " tid=" + pid;
-  for (const auto& [word, value] : values) {
-    lines = std::regex_replace(lines, std::regex(word + "\\b"), value);
-  }
-  return lines;
-}
-
-std::string joined(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const auto& line : lines) {
-    text += line + "\n";
-  }
-  return text;
-}
-
-std::string addressText(const void* address) {
-  return (std::ostringstream() << address).str();
-}
-
-}  // namespace zot_test
-
 using namespace zot_test;
 
-// A call that the script leaves alone reaches the real function.
-#define SCRIPTED(function, parameters, arguments, scripted)     \
-  int __real_##function parameters;                             \
-  int __wrap_##function parameters {                            \
-    const int entry = next(syncCalls.function);                 \
-    return entry != 0 ? scripted : __real_##function arguments; \
-  }
+#define SCRIPTED(function, parameters, arguments, scripted) \
+  ZOT_SCRIPTED(syncCalls.function, int, function, parameters, arguments, scripted)
 
 extern "C" {
 

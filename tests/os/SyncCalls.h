@@ -5,9 +5,6 @@
 
 #include <atomic>
 #include <ctime>
-#include <map>
-#include <string>
-#include <vector>
 
 #include "support/CallScript.h"
 
@@ -25,22 +22,13 @@ struct SyncCalls {
              pthread_mutex_lock = {}, pthread_mutex_unlock = {}, pthread_mutexattr_init = {},
              pthread_mutexattr_settype = {}, semctl = {}, semget = {}, semop = {};
 };
-extern SyncCalls syncCalls;
+inline SyncCalls syncCalls;
 
 // Threads that have entered the real pthread_cond_wait, each counted under its
 // lock: who takes that lock afterwards knows that they wait.
-extern std::atomic<int> condWaits;
+inline std::atomic<int> condWaits{0};
 
-extern timespec lastDeadline;  // given to the last scripted pthread_cond_timedwait
-
-// Replaces each word of `values` in the lines, and IDS by the numbers of this
-// process and of its first thread, which on Linux are one.
-std::string filled(std::string lines, std::map<std::string, std::string> values = {});
-
-// Log lines as one text, a newline behind each.
-std::string joined(const std::vector<std::string>& lines);
-
-std::string addressText(const void* address);
+inline timespec lastDeadline{};  // given to the last scripted pthread_cond_timedwait
 
 // What a wait returns, times 1000, and its result word.
 template <typename Handle, typename Timeout>

@@ -12,6 +12,8 @@ namespace zot_test {
 // errno of a failure, and each function says what a negative one means.
 using CallScript = std::deque<int>;
 
+inline CallScript attaches;  // of shmat(), in every test program
+
 inline int next(CallScript& script) {
   if (script.empty()) {
     return 0;
@@ -30,5 +32,13 @@ inline bool fails(int entry) {
 }
 
 }  // namespace zot_test
+
+// A function that asks its script, and does `scripted` with an entry other than 0.
+#define ZOT_SCRIPTED(script, type, function, parameters, arguments, scripted) \
+  type __real_##function parameters;                                          \
+  type __wrap_##function parameters {                                         \
+    const int entry = zot_test::next(script);                                 \
+    return entry != 0 ? scripted : __real_##function arguments;               \
+  }
 
 #endif

@@ -2,20 +2,21 @@
 #ifndef ZOT_TESTS_CHILD_H
 #define ZOT_TESTS_CHILD_H
 
-#include <sys/types.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <functional>
 #include <thread>
 
 namespace zot_test {
 
-inline constexpr std::chrono::seconds kDeadline{20};
-
 // Polls until condition() holds.  Returns false when the deadline came first.
 template <typename Condition>
-bool waitUntil(Condition condition, std::chrono::milliseconds deadline = kDeadline) {
-  const auto end = std::chrono::steady_clock::now() + deadline;
+bool waitUntil(Condition condition) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
   while (!condition()) {
     if (std::chrono::steady_clock::now() > end) {
       return false;
@@ -26,32 +27,50 @@ bool waitUntil(Condition condition, std::chrono::milliseconds deadline = kDeadli
 }
 
 // A forked copy of this process.  Its exit code is what body returns, or what it
-// gives to exit(), and kFailed when an expectation failed in it.  Whatever is
-// still running at the end of the object's life is killed.
+// gives to exit(), and 113 when an expectation failed in it.  Whatever is still
+// running at the end of the object's life is killed.
 class Child {
  public:
-  static constexpr int kFailed = 113;
-  static constexpr int kTimedOut = -1;
-
-  explicit Child(const std::function<int()>& body);
+  explicit Child(const std::function<int()>& body) {
+    std::fflush(nullptr);  // or the child would write the parent's buffers again
+    pid_ = fork();
+    if (pid_ == 0) {
+      const int code = body();
+      std::fflush(nullptr);
+      _exit(testing::Test::HasFailure() ? 113 : code);
+    }
+    if (pid_ == -1) {
+      std::perror("fork");
+      std::abort();
+    }
+  }
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
-  ~Child();
+  ~Child() {
+    if (!ended_) {
+      kill(SIGKILL);
+      waitpid(pid_, nullptr, 0);
+    }
+  }
 
   pid_t pid() const { return pid_; }
-  void kill(int signal) const;
+  void kill(int signal) const { ::kill(pid_, signal); }
 
-  // The exit code, 128 + the signal that ended the child, or kTimedOut.
-  int wait(std::chrono::milliseconds deadline = kDeadline);
+  // The exit code, 128 + the signal that ended the child, or -1 when it goes on running.
+  int wait() {
+    int status = 0;
+    ended_ = waitUntil([&] { return waitpid(pid_, &status, WNOHANG) == pid_; });
+    return !ended_ ? -1 : WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  }
 
  private:
   pid_t pid_;
-  int code_ = kTimedOut;
   bool ended_ = false;
 };
 
-// Runs body in a child and waits for its end.
-int runInChild(const std::function<int()>& body, std::chrono::milliseconds deadline = kDeadline);
+inline int runInChild(const std::function<int()>& body) {
+  return Child(body).wait();
+}
 
 }  // namespace zot_test
 

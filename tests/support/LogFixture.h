@@ -6,13 +6,22 @@
 #include <unistd.h>
 
 #include <functional>
+#include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "log/ZotLog.h"
-#include "support/Capture.h"
 
 namespace zot_test {
+
+struct Output {
+  std::string out, err;
+};
+
+// What body writes to standard output and standard error, whether through stdio,
+// straight to the descriptor, or from a child process.
+Output captured(const std::function<void()>& body);
 
 inline constexpr uint32_t kEveryLine = 0x68000005;  // all masks, to standard output
 
@@ -37,13 +46,20 @@ class TestLog {
 // The lines of a text; each has to begin with a timestamp, which is taken off.
 std::vector<std::string> withoutStamps(const std::string& text);
 
-// The messages that body logs at every level, without their timestamps.
+// The messages that body logs at every level, without their timestamps: one by one,
+// and as one text with a newline behind each.
 std::vector<std::string> logLines(const std::function<void()>& body, uint32_t level = kEveryLine);
+std::string told(const std::function<void()>& body, uint32_t level = kEveryLine);
+
+std::string joined(const std::vector<std::string>& lines);
 
 // How most lines end, when the calling thread logs them.
-inline std::string callerIds() {
-  return "pid=" + std::to_string(getpid()) + " tid=" + std::to_string(gettid());
-}
+std::string callerIds();
+
+// Replaces each word of `values` in the lines, and IDS by callerIds().
+std::string filled(std::string lines, std::map<std::string, std::string> values = {});
+
+std::string addressText(const void* address);
 
 }  // namespace zot_test
 

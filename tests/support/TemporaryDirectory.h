@@ -15,12 +15,8 @@
 
 namespace zot_test {
 
-inline int openDescriptors() {
-  int count = 0;
-  for (int descriptor = 0; descriptor < 1024; ++descriptor) {
-    count += fcntl(descriptor, F_GETFD) != -1 ? 1 : 0;
-  }
-  return count;
+inline long openDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
 inline void writeFile(const std::filesystem::path& path, const std::string& bytes) {
@@ -56,7 +52,7 @@ class TemporaryDirectory : public testing::Test {
  private:
   std::filesystem::path before_ = std::filesystem::current_path();
   std::filesystem::path whole_;
-  int descriptors_ = openDescriptors();
+  long descriptors_ = openDescriptors();
 };
 
 }  // namespace zot_test

@@ -1,17 +1,11 @@
 #include <gtest/gtest.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <fstream>
-#include <string>
-
-#ifdef __linux__
 #include <sched.h>
 #include <unistd.h>
-#endif
 
-#include "support/IpcLeftovers.h"
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -47,9 +41,26 @@ bool enterOwnIpcNamespace() {
   return true;
 }
 
+// The system's line for each segment and semaphore set of this IPC namespace.
+std::string ipcLeftovers() {
+  constexpr long kRemoved = 01000;  // the mode bit of a segment that goes with its last user
+  std::string found;
+  for (const char* path : {"/proc/sysvipc/shm", "/proc/sysvipc/sem"}) {
+    std::ifstream table(path);
+    std::string line;
+    std::getline(table, line);  // the headings
+    while (std::getline(table, line)) {
+      long key = 0, id = 0, mode = 0;
+      std::istringstream(line) >> key >> id >> std::oct >> mode;
+      found += (mode & kRemoved) == 0 ? line + "\n" : "";
+    }
+  }
+  return found;
+}
+
 // No test may leave a segment or a semaphore set behind.
 class LeftoverCheck : public testing::EmptyTestEventListener {
-  void OnTestEnd(const testing::TestInfo&) override { EXPECT_EQ("", zot_test::ipcLeftovers()); }
+  void OnTestEnd(const testing::TestInfo&) override { EXPECT_EQ("", ipcLeftovers()); }
 };
 
 }  // namespace
