@@ -6,7 +6,7 @@
 #include <string>
 
 #include "mif/Mif32.h"
-#include "support/Capture.h"
+#include "support/LogFixture.h"
 #include "support/Child.h"
 #include "tests/mif/MifBytes.h"
 
