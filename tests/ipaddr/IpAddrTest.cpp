@@ -138,26 +138,19 @@ TEST(IpAddr, CopiesTheAddressAndNotTheText) {
   ZotIpAddr b(a);
   {
     const FailingHeap heap;
-    EXPECT_STREQ("", b.GetStr());
-    EXPECT_EQ(aText, a.GetStr());
+    EXPECT_STREQ("", b.GetStr()) << "there is no buffer, nor is that of the other used";
   }
   EXPECT_STREQ("10.0.0.1", b.GetStr());
-  EXPECT_NE(aText, b.GetStr());
-  b = "::1";
+  EXPECT_EQ(1u, b = "::1");
   a = b;
   EXPECT_STREQ("10.0.0.1", aText) << "assignment prints nothing";
   EXPECT_EQ(aText, a.GetStr());
   EXPECT_STREQ("::1", aText);
   a = std::as_const(a);
-  EXPECT_STREQ("::1", a.GetStr());
-  a.Clear();
-  EXPECT_EQ(aText, a.GetStr());
-  EXPECT_STREQ("", aText);
-  EXPECT_EQ(1u, a = "1.2.3.4");
   EXPECT_EQ(1u, a.SetIpAddr(a.GetStr())) << "its own text";
-  EXPECT_STREQ("1.2.3.4", a.GetStr());
+  EXPECT_STREQ("::1", a.GetStr());
   EXPECT_EQ(0u, a = "1.2.3");
-  EXPECT_EQ(0, a.GetAF());
+  EXPECT_STREQ("", a.GetStr());
   EXPECT_STREQ("9ZotIpAddr", typeid(a).name());
 }
 

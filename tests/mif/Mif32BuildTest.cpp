@@ -51,8 +51,9 @@ TEST(Mif32Format, RawAppendsHaveNoHeader) {
   EXPECT_EQ(1u, mif.RawAddStr(""));
   const std::string large(70000, 'L');
   EXPECT_EQ(1u, mif.RawAddBin(bytesOf(large), 70000));
-  EXPECT_EQ("\xAB" + host(0x0102, 2) + host(0x01020304, 4) + host(0x0102030405060708, 8) + "xyz" + large,
-            contents(mif));
+  EXPECT_EQ(
+      host(0xAB, 1) + host(0x0102, 2) + host(0x01020304, 4) + host(0x0102030405060708, 8) + "xyz" + large,
+      contents(mif));
 }
 
 TEST(Mif32Building, RefusesNullAndCutsLengthsTo16Bits) {
