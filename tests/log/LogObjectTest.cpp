@@ -25,7 +25,7 @@ Words words(const ZotOsLog* log) {
 }
 
 std::string written(ZotOsLog* log, uint32_t mask) {
-  return joined(withoutStamps(captured([=] { ZotOsvLog(log, mask, "x"); }).out));
+  return stampless([=] { ZotOsvLog(log, mask, "x"); });
 }
 
 TEST(LogObject, OfTheFirstProcessMakesTheBlock) {
@@ -45,10 +45,10 @@ TEST(LogObject, OfTheFirstProcessMakesTheBlock) {
 
   pstLog = log;
   ZotOsvSetLogLevel(log, kEveryLine);
-  const std::string id = std::to_string(log->handle.shmId);
+  const int id = log->handle.shmId;
   EXPECT_EQ(filled("TRACE ZotOsMmfClose(ID): shm 1 attached processes\nTRACE ZotOsMmfClose(ID): close shm\n",
                    {{"ID", id}}),
-            joined(withoutStamps(captured([] { ZotOsvLogDelete(&pstLog); }).out)));
+            stampless([] { ZotOsvLogDelete(&pstLog); }));
   EXPECT_EQ(nullptr, pstLog);
   ZotOsvLogDelete(&pstLog);
   EXPECT_EQ(-1, shmget(0x8009, 0, 0));

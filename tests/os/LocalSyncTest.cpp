@@ -13,15 +13,10 @@ namespace {
 
 class LocalSync : public testing::Test {
  protected:
-  LocalSync() {
-    EXPECT_EQ(1u, ZotOsMutexCreate(&mutex, 0));
-    EXPECT_EQ(1u, ZotOsEventCreate(&event, 0));
-  }
-  ~LocalSync() override {
-    EXPECT_EQ(1u, ZotOsMutexClose(mutex));
-    EXPECT_EQ(1u, ZotOsEventClose(event));
-  }
+  LocalSync() { EXPECT_EQ(2u, ZotOsMutexCreate(&mutex, 0) + ZotOsEventCreate(&event, 0)); }
+  ~LocalSync() override { EXPECT_EQ(2u, ZotOsMutexClose(mutex) + ZotOsEventClose(event)); }
 
+  uint32_t set() { return ZotOsEventSet(event); }
   uint32_t wait(uint32_t timeoutMs) { return waited(ZotOsEventWait, event, timeoutMs); }
 
   ZotOsMutexHandle* mutex = nullptr;
@@ -31,16 +26,14 @@ class LocalSync : public testing::Test {
 TEST_F(LocalSync, AMutexNeedsAsManyReleasesAsWaits) {
   EXPECT_EQ(1001u, waited(ZotOsMutexWait, mutex, -1));
   EXPECT_EQ(1u, ZotOsMutexWait(mutex, -1, nullptr));
-  int taken = 0;
   for (const int expected : {EBUSY, EBUSY, 0}) {
+    int taken = -1;
     std::thread([&] {
       taken = pthread_mutex_trylock(&mutex->lock);
       EXPECT_EQ(1u, taken == 0 ? ZotOsMutexRelease(mutex) : 1);
     }).join();
     EXPECT_EQ(expected, taken);
-    if (taken != 0) {
-      EXPECT_EQ(1u, ZotOsMutexRelease(mutex));
-    }
+    EXPECT_EQ(1u, taken != 0 ? ZotOsMutexRelease(mutex) : 1);
   }
 }
 
@@ -53,22 +46,15 @@ TEST_F(LocalSync, AMutexEndsTheProcessOnAFiniteTimeout) {
   const std::string text = "invalid timeout, only infinite supported for local pthread based mutexes.";
   const std::string line = "ZotOsMutexWait - " + text + "\n";
   EXPECT_EQ(line, output.err);
-  EXPECT_THAT(output.out, testing::MatchesRegex(".* - ERROR ZotOsMutexWait\\(" + addressText(mutex) + "\\) " +
+  EXPECT_THAT(output.out, testing::MatchesRegex(".* - ERROR ZotOsMutexWait\\(" + Shown(mutex).text + "\\) " +
                                                 text + " \\(pid=[0-9]+ tid=[0-9]+\\)\n" + line));
 }
 
 TEST_F(LocalSync, AnEventIsConsumedByTheWaitItLetsPass) {
-  EXPECT_EQ(999u, wait(0)) << "clear when new";
-  EXPECT_EQ(999u, wait(999)) << "over at once";
-  EXPECT_EQ(1u, ZotOsEventSet(event));
-  EXPECT_EQ(1u, ZotOsEventSet(event));
-  EXPECT_EQ(1001u, wait(0));
-  EXPECT_EQ(999u, wait(0)) << "two sets let one wait pass";
-  EXPECT_EQ(1u, ZotOsEventSet(event));
-  EXPECT_EQ(1u, ZotOsEventWait(event, UINT32_MAX, nullptr));
-  EXPECT_EQ(1u, ZotOsEventSet(event));
-  EXPECT_EQ(1u, ZotOsEventReset(event));
-  EXPECT_EQ(999u, wait(500)) << "a reset clears it";
+  EXPECT_EQ((Results{999, 999}), (Results{wait(0), wait(999)})) << "clear when new, over at once";
+  EXPECT_EQ((Results{1, 1, 1001, 999}), (Results{set(), set(), wait(0), wait(0)})) << "two sets, one wait";
+  EXPECT_EQ((Results{1, 1}), (Results{set(), ZotOsEventWait(event, UINT32_MAX, nullptr)}));
+  EXPECT_EQ((Results{1, 1, 999}), (Results{set(), ZotOsEventReset(event), wait(500)})) << "a reset clears it";
 }
 
 TEST_F(LocalSync, AnEventWaitsUntilAWholeSecond) {
@@ -101,30 +87,24 @@ TEST_F(LocalSync, OneSetWakesEveryWaiterAndACancelledOneHoldsNothing) {
 
 TEST_F(LocalSync, AnEventTakesAnyWakeUpAndReportsErrors) {
   syncCalls.pthread_cond_wait = {-1, EPERM};
-  EXPECT_EQ(1001u, wait(UINT32_MAX)) << "woken by nobody";
-  EXPECT_EQ(0u, wait(UINT32_MAX));
+  EXPECT_EQ((Results{1001, 0}), (Results{wait(UINT32_MAX), wait(UINT32_MAX)})) << "first woken by nobody";
   syncCalls.pthread_mutex_lock = {EINVAL, EINVAL, EINVAL};
-  EXPECT_EQ(0u, wait(0));
-  EXPECT_EQ(0u, ZotOsEventSet(event));
-  EXPECT_EQ(0u, ZotOsEventReset(event));
+  EXPECT_EQ((Results{0, 0, 0}), (Results{wait(0), set(), ZotOsEventReset(event)}));
 }
 
 TEST(LocalSyncLines, TellEachStep) {
   ZotOsMutexHandle* mutex = nullptr;
   ZotOsEventHandle* event = nullptr;
   const auto lines = told([&] {
-    ZotOsMutexCreate(&mutex, 0);
-    ZotOsMutexWait(mutex, -1, nullptr);
-    ZotOsMutexRelease(mutex);
-    syncCalls.pthread_mutex_unlock = {EPERM};
-    EXPECT_EQ(0u, ZotOsMutexRelease(mutex));
-    syncCalls.pthread_mutex_lock = {EAGAIN};
-    EXPECT_EQ(0u, waited(ZotOsMutexWait, mutex, -1));
+    syncCalls.pthread_mutex_lock = {0, EAGAIN};
+    syncCalls.pthread_mutex_unlock = {0, EPERM};
     syncCalls.pthread_mutex_destroy = {EBUSY, EBUSY, 0, EBUSY, EINVAL};
-    EXPECT_EQ(1u, ZotOsMutexClose(mutex));
-    ZotOsEventCreate(&event, 0);
     syncCalls.pthread_cond_destroy = {EBUSY};
-    EXPECT_EQ(0u, ZotOsEventClose(event));
+    EXPECT_EQ(
+        (Results{1, 1001, 1, 0, 0, 1}),
+        (Results{ZotOsMutexCreate(&mutex, 0), waited(ZotOsMutexWait, mutex, -1), ZotOsMutexRelease(mutex),
+                 ZotOsMutexRelease(mutex), waited(ZotOsMutexWait, mutex, -1), ZotOsMutexClose(mutex)}));
+    EXPECT_EQ((Results{1, 0}), (Results{ZotOsEventCreate(&event, 0), ZotOsEventClose(event)}));
   });
   EXPECT_EQ(filled(R"(TRACE ZotOsMutexCreate(MUTEX): (IDS)
 DEBUG ZotOsMutexWait(MUTEX) (IDS)
@@ -140,7 +120,7 @@ ERROR ZotOsEventClose(EVENT): pthread_mutex_destroy failed (rc=16=Device or reso
 ERROR ZotOsEventClose(EVENT): pthread_mutex_destroy failed (rc=22=Invalid argument)
 TRACE ZotOsEventClose(EVENT): rc=22 (IDS)
 )",
-                   {{"MUTEX", addressText(mutex)}, {"EVENT", addressText(event)}}),
+                   {{"MUTEX", mutex}, {"EVENT", event}}),
             lines);
 }
 
@@ -151,21 +131,16 @@ TEST(LocalSyncLines, TellWhyNothingWasDone) {
   syncCalls.pthread_cond_init = syncCalls.pthread_mutexattr_init =
       syncCalls.pthread_mutexattr_settype = {EAGAIN};
   const auto lines = told([&] {
-    EXPECT_EQ(0u, ZotOsEventCreate(&event, 0) + ZotOsEventCreate(&event, 0));
-    for (int step = 0; step < 3; ++step) {
-      EXPECT_EQ(0u, ZotOsMutexCreate(&mutex, 0));
-    }
+    const uint32_t created = ZotOsEventCreate(&event, 0) + ZotOsEventCreate(&event, 0) +
+                             ZotOsMutexCreate(&mutex, 0) + ZotOsMutexCreate(&mutex, 0) +
+                             ZotOsMutexCreate(&mutex, 0);
     const FailingHeap heap;
-    EXPECT_EQ(0u, ZotOsEventCreate(&event, 0));
-    EXPECT_EQ(0u, ZotOsEventOpen(&event, 1));
-    EXPECT_EQ(0u, ZotOsMutexCreate(&mutex, 0));
-    EXPECT_EQ(0u, ZotOsMutexOpen(&mutex, 1));
-    EXPECT_EQ(0u, ZotOsEventSet(nullptr));
-    EXPECT_EQ(0u, ZotOsEventReset(nullptr));
-    EXPECT_EQ(0u, ZotOsEventWait(nullptr, 0, nullptr));
-    EXPECT_EQ(0u, ZotOsMutexWait(nullptr, 0, nullptr));
-    EXPECT_EQ(0u, ZotOsMutexRelease(nullptr));
-    EXPECT_EQ(0u, ZotOsMutexClose(nullptr));
+    const uint32_t made = ZotOsEventCreate(&event, 0) + ZotOsEventOpen(&event, 1) +
+                          ZotOsMutexCreate(&mutex, 0) + ZotOsMutexOpen(&mutex, 1);
+    const uint32_t used = ZotOsEventSet(nullptr) + ZotOsEventReset(nullptr) +
+                          ZotOsEventWait(nullptr, 0, nullptr) + ZotOsMutexWait(nullptr, 0, nullptr) +
+                          ZotOsMutexRelease(nullptr) + ZotOsMutexClose(nullptr);
+    EXPECT_EQ(0u, created + made + used);
   });
   EXPECT_EQ(
       filled(
@@ -185,7 +160,7 @@ ERROR ZotOsMutexWait((nil)) aMutex is NULL (IDS)
 ERROR ZotOsMutexRelease((nil)) aMutex is NULL (IDS)
 ERROR ZotOsMutexClose((nil)) aMutex is NULL (IDS)
 )",
-          {{"EVENT", addressText(&event)}, {"MUTEX", addressText(&mutex)}}),
+          {{"EVENT", &event}, {"MUTEX", &mutex}}),
       lines);
 }
 

@@ -8,6 +8,7 @@
 #include "SyncCalls.h"
 #include "os/SharedControlBlock.h"
 #include "os/ZotOsSync.h"
+#include "os/ZotOsSystem.h"
 #include "os/ZotOsSystemInternal.h"
 #include "support/Child.h"
 #include "support/LogFixture.h"
@@ -17,7 +18,6 @@ using namespace zot_test;
 namespace {
 
 constexpr uint32_t kKey = 0x5A0700;
-constexpr uint32_t kErrors = ZOT_LOG_ERROR | ZOT_LOG_STDOUT;
 using Words = std::vector<int>;
 
 // An object of the test's own keeps the shared block in place, so that its words
@@ -40,7 +40,7 @@ class Named : public testing::Test {
   // What body logs while this is the shared level.
   std::string lines(const std::function<void()>& body, uint32_t level = kEveryLine) {
     block.Log.store(level);
-    const auto all = joined(withoutStamps(captured(body).out));
+    const auto all = stampless(body);
     block.Log.store(0);
     return all;
   }
@@ -59,21 +59,18 @@ class Named : public testing::Test {
 };
 
 TEST_F(Named, AMutexTellsItsWholeLife) {
-  ZotOsMutexHandle* mutex = nullptr;
-  ZotOsMutexHandle* again = nullptr;
-  std::string id;
-  std::string address;
+  ZotOsMutexHandle *mutex = nullptr, *again = nullptr;
+  int id = -1;
+  void* shm = nullptr;
   const auto text = lines([&] {
     EXPECT_EQ(1u, ZotOsMutexCreate(&mutex, kKey));
-    id = std::to_string(mutex->semId);
-    address = addressText(pstShm);
-    EXPECT_EQ(1u, ZotOsMutexCreate(&again, kKey));
-    EXPECT_EQ(1001u, waited(ZotOsMutexWait, mutex, -1));
-    EXPECT_EQ(1999u, waited(ZotOsMutexWait, again, 0));
-    EXPECT_EQ(1u, ZotOsMutexRelease(again));
-    EXPECT_EQ(1u, ZotOsMutexRelease(mutex));
-    EXPECT_EQ(1u, ZotOsMutexClose(mutex));
-    EXPECT_EQ(1u, ZotOsMutexClose(again));
+    id = mutex->semId;
+    shm = pstShm;
+    EXPECT_EQ((Results{1, 1001, 1999}),
+              (Results{ZotOsMutexCreate(&again, kKey), waited(ZotOsMutexWait, mutex, -1),
+                       waited(ZotOsMutexWait, again, 0)}));
+    EXPECT_EQ((Results{1, 1, 1, 1}), (Results{ZotOsMutexRelease(again), ZotOsMutexRelease(mutex),
+                                              ZotOsMutexClose(mutex), ZotOsMutexClose(again)}));
   });
   EXPECT_EQ(filled(R"(TRACE fIncNamedSemCnt(ID) new: cnt[0]=1 SemCnt=1 MaxIdx=1 (IDS)
 TRACE ZotOsCreateM(ID): semval=1 LocSemCnt=1 Shm=SHM GlobSemCnt=1 NamedSemCnt=1 MaxNamedIdx=1 Log=68000005 (IDS)
@@ -98,30 +95,27 @@ TRACE ZotOsClose: DeleteLog=0
 TRACE ZotOsMmfClose(SEG): shm 2 attached processes
 TRACE ZotOsMmfClose(SEG): detach shm (SHM)
 )",
-                   {{"ID", id}, {"SHM", address}, {"SEG", std::to_string(watch->handle.shmId)}}),
+                   {{"ID", id}, {"SHM", shm}, {"SEG", watch->handle.shmId}}),
             text);
 }
 
 TEST_F(Named, AnEventCountsItsResets) {
   ZotOsEventHandle *event = nullptr, *opened = nullptr;
-  EXPECT_EQ(0u, ZotOsEventOpen(&opened, kKey)) << "nobody has made it";
-  EXPECT_EQ(0u, ZotOsEventOpen(&opened, 0));
+  EXPECT_EQ(0u, ZotOsEventOpen(&opened, kKey) + ZotOsEventOpen(&opened, 0)) << "nobody has made it";
   EXPECT_EQ(nullptr, opened);
-  ASSERT_EQ(1u, ZotOsEventCreate(&event, kKey));
-  ASSERT_EQ(1u, ZotOsEventOpen(&opened, kKey));
+  EXPECT_EQ((Results{1, 1}), (Results{ZotOsEventCreate(&event, kKey), ZotOsEventOpen(&opened, kKey)}));
   const auto text = lines([&] { EXPECT_EQ(2u, ZotOsEventSet(event) + ZotOsEventSet(opened)); });
   EXPECT_EQ(filled(R"(DEBUG ZotOsEventSet(FIRST) entry: semval=0 (IDS)
 DEBUG ZotOsEventSet(FIRST): exit: semval=1 (IDS)
 DEBUG ZotOsEventSet(SECOND) entry: semval=1 (IDS)
 DEBUG ZotOsEventSet(SECOND): exit: semval=1 (IDS)
 )",
-                   {{"FIRST", addressText(event)}, {"SECOND", addressText(opened)}}),
+                   {{"FIRST", event}, {"SECOND", opened}}),
             text);
   EXPECT_EQ(1u, ZotOsEventReset(event));
   EXPECT_EQ(2, ZotOsSemaphoreVal(event->semId));
-  for (const uint32_t result : {1001u, 1001u, 1999u}) {
-    EXPECT_EQ(result, waited(ZotOsEventWait, opened, 0u));
-  }
+  const auto wait = [&] { return waited(ZotOsEventWait, opened, 0u); };
+  EXPECT_EQ((Results{1001, 1001, 1999}), (Results{wait(), wait(), wait()}));
   EXPECT_EQ(1u, ZotOsEventClose(event));
   EXPECT_EQ(0, ZotOsSemaphoreVal(opened->semId)) << "the first of two closes keeps it";
   const Output output = captured([&] {
@@ -240,10 +234,9 @@ TEST_F(Named, AKilledHolderLeavesTheMutexTaken) {
   ZotOsMutexHandle* mutex = nullptr;
   ASSERT_EQ(1u, ZotOsMutexOpen(&mutex, kKey));
   const int32_t id = mutex->semId;
-  EXPECT_EQ(1999u, waited(ZotOsMutexWait, mutex, 0));
-  EXPECT_EQ(1u, ZotOsMutexRelease(mutex));
-  EXPECT_EQ(1001u, waited(ZotOsMutexWait, mutex, 0));
-  EXPECT_EQ(1u, ZotOsMutexClose(mutex));
+  const auto attempt = [&] { return waited(ZotOsMutexWait, mutex, 0); };
+  EXPECT_EQ((Results{1999, 1, 1001, 1}),
+            (Results{attempt(), ZotOsMutexRelease(mutex), attempt(), ZotOsMutexClose(mutex)}));
   EXPECT_EQ((Words{2, 1, 1, 1, id, 1}), words(1)) << "the dead process stays counted";
   EXPECT_EQ(0, semctl(id, 0, IPC_RMID)) << "and its set stays; the segment goes";
 }
@@ -251,9 +244,8 @@ TEST_F(Named, AKilledHolderLeavesTheMutexTaken) {
 TEST_F(Named, FailuresAreTold) {
   ZotOsEventHandle* event = nullptr;
   ASSERT_EQ(1u, ZotOsEventCreate(&event, kKey));
-  const auto id = std::to_string(event->semId);
   const auto wait = [&] { return waited(ZotOsEventWait, event, UINT32_MAX); };
-  const auto started = std::chrono::steady_clock::now();
+  const uint32_t started = ZotOsGetTimeInmSec();
   const auto text = lines([&] {
     int32_t other = 77;
     syncCalls.semget = {ENOSPC, EEXIST, ENOENT};
@@ -263,9 +255,7 @@ TEST_F(Named, FailuresAreTold) {
     EXPECT_EQ(0u, ZotOsCreate(&other, 0xABCD, 32768, 'M'));
     EXPECT_EQ(-1, semget(0xABCD, 0, 0)) << "a set without its value is removed";
     syncCalls.semop = {EINTR, EINTR, EIDRM, EAGAIN, ERANGE, EINTR};
-    EXPECT_EQ(0u, wait());
-    EXPECT_EQ(1999u, wait());
-    EXPECT_EQ(0u, ZotOsEventReset(event));
+    EXPECT_EQ((Results{0, 1999, 0}), (Results{wait(), wait(), ZotOsEventReset(event)}));
     fShutdown = 1;
     EXPECT_EQ(0u, wait());
     fShutdown = 0;
@@ -273,7 +263,7 @@ TEST_F(Named, FailuresAreTold) {
     syncCalls.semctl = {EPERM, EINVAL};
     EXPECT_EQ(0u, ZotOsClose(event->semId, 'E'));
   });
-  EXPECT_LE(std::chrono::milliseconds(150), std::chrono::steady_clock::now() - started);
+  EXPECT_LE(150u, ZotOsGetTimeInmSec() - started) << "50 before each new try";
   EXPECT_EQ(filled(R"(FATAL ZotOsCreateM: semget (key=0xABCD) failed (28=No space left on device IDS)
 FATAL ZotOsOpenM(-1): semctl failed (2=No such file or directory IDS)
 FATAL ZotOsCreateM: key=0xABCD already created, but ZotOsOpen failed (2=No such file or directory IDS)
@@ -291,12 +281,12 @@ DEBUG ZotOsSetE(ID) entry: semval=0 (IDS)
 ERROR ZotOsSetE(ID): semop failed (semval=0) (4=Interrupted system call IDS)
 ERROR ZotOsCloseE: semctl failed (1=Operation not permitted IDS)
 )",
-                   {{"ID", id}}),
+                   {{"ID", event->semId}}),
             text);
   EXPECT_EQ((Words{2, 1, 0, 1, -1, 0}), words(1)) << "the reference is gone, the counts are not";
   const Output output = captured([&] { EXPECT_EQ(1u, ZotOsEventSet(event)) << "callers rely on 1"; });
   EXPECT_EQ(
-      filled("FATAL ZotOsEventSet(" + addressText(event) + "): semctl failed (22=Invalid argument IDS)\n"),
+      filled("FATAL ZotOsEventSet(" + Shown(event).text + "): semctl failed (22=Invalid argument IDS)\n"),
       output.err);
   EXPECT_EQ(1u, ZotOsEventClose(event));
 }

@@ -38,10 +38,10 @@ class Process : public TemporaryDirectory {
   static void expect(const char* line, uint32_t code, const std::string& logged, int32_t flags = 0) {
     SCOPED_TRACE(logged);
     uint32_t exitCode = 77, result = 77;
-    const auto lines = logLines([&] { result = ZotOsCreateProcessEx(line, flags, &exitCode); });
+    EXPECT_EQ(filled(logged + " (IDS)\n"),
+              told([&] { result = ZotOsCreateProcessEx(line, flags, &exitCode); }));
     EXPECT_EQ(code == 0 ? 1u : 0u, result);
     EXPECT_EQ(code, exitCode);
-    EXPECT_EQ(std::vector{logged + " (" + callerIds() + ")"}, lines);
   }
   static std::string ran(const std::string& text, uint32_t code) {
     return "TRACE ZotOsCreateProcess: cmd execed: '" + text + "'=" + std::to_string(code);

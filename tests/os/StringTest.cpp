@@ -68,10 +68,10 @@ TEST(BoundedStrings, ReadNothingTheyNeedNotAndRefuseNull) {
   EXPECT_STREQ("xyz", text);
   delete[] none;
   delete[] three;
-  EXPECT_EQ(nullptr, strcat_zot(nullptr, 8, "x"));
-  EXPECT_EQ(nullptr, strcat_zot(text, 8, nullptr));
-  EXPECT_EQ(nullptr, strncat_zot(nullptr, 0, "x", 1));
-  EXPECT_EQ(nullptr, strncat_zot(text, 8, nullptr, 0));
+  for (const char* const refused : {strcat_zot(nullptr, 8, "x"), strcat_zot(text, 8, nullptr),
+                                    strncat_zot(nullptr, 0, "x", 1), strncat_zot(text, 8, nullptr, 0)}) {
+    EXPECT_EQ(nullptr, refused);
+  }
   EXPECT_EQ(0u, strcpy_zot(nullptr, 8, "x") + strcpy_zot(text, 8, nullptr));
   EXPECT_EQ(0u, strncpy_zot(nullptr, 8, "x", 1) + strncpy_zot(text, 0, nullptr, 1));
 }

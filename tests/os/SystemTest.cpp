@@ -36,8 +36,7 @@ TEST(Sleep, DropsWhatIsLeftBesideWholeSeconds) {
 
 TEST(SystemState, GoesDownAndUpAndIsClaimedOnceByEachLibrary) {
   EXPECT_EQ(1u, ZotOsGetSystemUp());
-  EXPECT_EQ(std::vector<std::string>{"### ZotOsSetShutdown: shutd=1"},
-            logLines([] { ZotOsSetShutdown(); }, ZOT_LOG_ERROR | ZOT_LOG_STDOUT));
+  EXPECT_EQ("### ZotOsSetShutdown: shutd=1\n", told([] { ZotOsSetShutdown(); }, kErrors));
   EXPECT_EQ(0u, ZotOsGetSystemUp());
   ZotOsSetSystemUp();
   EXPECT_EQ(1u, ZotOsGetSystemUp());
@@ -65,12 +64,12 @@ TEST(Time, CountsFromTheFirstInitialisation) {
 }
 
 TEST(Handles, OfLibrariesAndDescriptors) {
-  EXPECT_EQ(nullptr, ZotOsDlLoad(nullptr));
-  EXPECT_EQ(nullptr, ZotOsDlLoad(""));
   void* const library = ZotOsDlLoad("libm.so.6");
   EXPECT_NE(nullptr, ZotOsDlGetAddr(library, "cos"));
-  EXPECT_EQ(nullptr, ZotOsDlGetAddr(library, ""));
-  EXPECT_EQ(nullptr, ZotOsDlGetAddr(nullptr, "cos"));
+  for (void* const null : {ZotOsDlLoad(nullptr), ZotOsDlLoad(""), ZotOsDlGetAddr(library, nullptr),
+                           ZotOsDlGetAddr(library, ""), ZotOsDlGetAddr(nullptr, "cos")}) {
+    EXPECT_EQ(nullptr, null);
+  }
   EXPECT_EQ(2u, ZotOsDlFree(library) + ZotOsDlFree(nullptr));
   const int descriptor = dup(STDIN_FILENO);
   EXPECT_EQ(1u, ZotOsCloseHdl(descriptor));

@@ -59,53 +59,35 @@ void* waitForCancel(void* counter) {
   }
 }
 
-// A worker as clients write them: it ends when asked to, if it listens.
-struct Worker {
-  std::atomic_ref<uint32_t> shared() { return std::atomic_ref(state); }
-  bool ends() { return released || (listens && shared() == 3); }
-
-  static void* run(void* self) {
-    auto& worker = *static_cast<Worker*>(self);
-    while (!worker.ends()) {
-      sched_yield();
-    }
-    worker.shared() = worker.listens ? 0 : 3;
-    return nullptr;
+// A worker as clients write them, with its state word.
+void* obey(void* state) {
+  const std::atomic_ref shared(*static_cast<uint32_t*>(state));
+  while (shared != 3) {
+    sched_yield();
   }
-
-  uint32_t state = 0;
-  bool listens = true;
-  std::atomic<bool> released = false;
-};
+  shared = 0;
+  return nullptr;
+}
 
 TEST_F(Thread, RunsDetachedOnTheStackAskedForAndKnowsItsHandle) {
-  static struct Seen {
-    uint32_t handle, handleInside;
-    pthread_attr_t attributes;
-    std::atomic<bool> done;
-  } seen;
-  const auto lookAround = [](void*) -> void* {
-    seen.handleInside = seen.handle;
-    pthread_getattr_np(pthread_self(), &seen.attributes);
-    seen.done = true;
+  static uint32_t handle, handleInside;
+  static size_t stack;
+  static int detached;
+  const auto lookAround = [](void* counter) -> void* {
+    const Leaving leaving{counter};
+    handleInside = handle;
+    pthread_attr_t own;
+    pthread_getattr_np(pthread_self(), &own);
+    pthread_attr_getstacksize(&own, &stack);
+    pthread_attr_getdetachstate(&own, &detached);
+    pthread_attr_destroy(&own);
     return nullptr;
   };
-  size_t systemDefault = 0, stack = 0;
-  pthread_attr_t defaults;
-  pthread_attr_init(&defaults);
-  pthread_attr_getstacksize(&defaults, &systemDefault);
-  pthread_attr_destroy(&defaults);
-  const std::pair<uint32_t, size_t> cases[] = {{0, 0x40000}, {0x100000, 0x100000}, {100, systemDefault}};
-  for (const auto& [asked, given] : cases) {
-    seen.done = false;
-    EXPECT_EQ(1u, ZotOsThreadBegin(&seen.handle, lookAround, asked, nullptr));
-    ASSERT_TRUE(waitUntil([] { return seen.done == true; }));
-    EXPECT_EQ(seen.handle, seen.handleInside);
-    int detached = -1;
-    pthread_attr_getstacksize(&seen.attributes, &stack);
-    pthread_attr_getdetachstate(&seen.attributes, &detached);
-    pthread_attr_destroy(&seen.attributes);
-    EXPECT_EQ(given, stack);
+  for (const uint32_t asked : {0u, 0x100000u}) {
+    EXPECT_EQ(1u, ZotOsThreadBegin(&handle, lookAround, asked, &ended));
+    ASSERT_TRUE(allGone());
+    EXPECT_EQ(handle, handleInside);
+    EXPECT_EQ(asked == 0 ? 0x40000u : asked, stack);
     EXPECT_EQ(PTHREAD_CREATE_DETACHED, detached);
   }
 }
@@ -153,30 +135,29 @@ TEST_F(Thread, HandlesSkipZeroAndTheLiving) {
 
 TEST_F(Thread, TellsHowItBeginsAndClearsWhatDidNot) {
   uint32_t handle = 77, failed = 77, started = 77, state = 0;
+  const auto lines = told([&] {
+    EXPECT_EQ(1u, ZotOsThreadBegin(&handle, returnAtOnce, 0, &ended));
+    attributes = {ENOMEM};
+    EXPECT_EQ(0u, ZotOsThreadBegin(&failed, returnAtOnce, 0, &ended));
+    creations = {EAGAIN};
+    EXPECT_EQ(0u, ZotOsThreadStart(&started, &state, returnAtOnce, &ended));
+    EXPECT_EQ(0u, ZotOsThreadBegin(nullptr, returnAtOnce, 0, &ended));
+  });
+  EXPECT_EQ(0u, failed + started + state);
   EXPECT_EQ(filled(R"(TRACE ZotOsThreadBegin: ok (IDS)
 ERROR ZotOsThreadBegin: init failed (12=Cannot allocate memory IDS)
 ERROR ZotOsThreadBegin: failed (11=Resource temporarily unavailable IDS)
 )"),
-            told([&] {
-              EXPECT_EQ(1u, ZotOsThreadBegin(&handle, returnAtOnce, 0, &ended));
-              attributes = {ENOMEM};
-              EXPECT_EQ(0u, ZotOsThreadBegin(&failed, returnAtOnce, 0, &ended));
-              creations = {EAGAIN};
-              EXPECT_EQ(0u, ZotOsThreadStart(&started, &state, returnAtOnce, &ended));
-            }));
-  EXPECT_EQ(0u, failed + started + state);
-  EXPECT_EQ(0u, ZotOsThreadBegin(nullptr, returnAtOnce, 0, &ended));
+            lines);
 }
 
 TEST_F(Thread, StartsOncePerStateWord) {
-  Worker worker;
-  EXPECT_EQ(1u, ZotOsThreadStart(nullptr, &worker.state, Worker::run, &worker));
-  EXPECT_EQ(1u, worker.shared());
-  uint32_t handle = 77;
-  EXPECT_EQ(1u, ZotOsThreadStart(&handle, &worker.state, returnAtOnce, &ended));
+  uint32_t handle = 77, state = 0;
+  EXPECT_EQ(1u, ZotOsThreadStart(nullptr, &state, obey, &state));
+  EXPECT_EQ(1u, ZotOsThreadStart(&handle, &state, returnAtOnce, &ended));
   EXPECT_EQ(77u, handle) << "nothing was started, nothing is stored";
   EXPECT_EQ(1u, live());
-  worker.shared() = 3;
+  EXPECT_EQ(1u, std::atomic_ref(state).exchange(3));
   ASSERT_TRUE(allGone());
   EXPECT_EQ(1u, ZotOsThreadStart(&handle, nullptr, returnAtOnce, &ended));
   EXPECT_NE(77u, handle);
@@ -185,28 +166,26 @@ TEST_F(Thread, StartsOncePerStateWord) {
 }
 
 TEST_F(Thread, IsStoppedByCountingPolls) {
-  const std::string asked = "TRACE ZotOsThreadStop: do thread rx stop\n";
-  const std::string end = "TRACE ZotOsThreadStop: thread rx is stopped\n";
-  const struct {
-    int32_t pollCount;
-    bool listens;
-    std::string late;
-  } cases[] = {{2, false, "INFO  ZotOsThreadStop: rx timed out (200 ms)\n"},
-               {1, true, "INFO  ZotOsThreadStop: rx timed out (100 ms)\n"},  // ends during the last poll
-               {20, true, ""},
-               {0, true, ""},
-               {-1, true, ""}};
-  for (const auto& c : cases) {
-    Worker worker;
-    worker.listens = c.listens;
-    ASSERT_EQ(1u, ZotOsThreadStart(nullptr, &worker.state, Worker::run, &worker));
-    uint32_t result = 77;
-    EXPECT_EQ(asked + c.late + end,
-              told([&] { result = ZotOsThreadStop(nullptr, &worker.state, c.pollCount, nullptr, 0, "rx"); }));
-    EXPECT_EQ(c.late.empty() ? 1u : 0u, result) << c.pollCount;
-    EXPECT_TRUE(waitUntil([&] { return worker.shared() == (c.listens ? 0 : 3); }));
-    EXPECT_TRUE(c.listens || live() == 1) << "it goes on running";
-    worker.released = true;
+  const std::tuple<int32_t, ZotOsThreadRoutine, std::string> cases[] = {
+      {2, waitForCancel, "INFO  ZotOsThreadStop: rx timed out (200 ms)\n"},
+      {1, obey, "INFO  ZotOsThreadStop: rx timed out (100 ms)\n"},  // ends during the last poll
+      {20, obey, ""},
+      {0, obey, ""},
+      {-1, obey, ""}};
+  for (const auto& [pollCount, worker, late] : cases) {
+    uint32_t handle = 0, state = 0, result = 77;
+    void* const arg = worker == obey ? static_cast<void*>(&state) : &ended;
+    ASSERT_EQ(1u, ZotOsThreadStart(&handle, &state, worker, arg));
+    const auto lines =
+        told([&, polls = pollCount] { result = ZotOsThreadStop(nullptr, &state, polls, nullptr, 0, "rx"); });
+    EXPECT_EQ(
+        "TRACE ZotOsThreadStop: do thread rx stop\n" + late + "TRACE ZotOsThreadStop: thread rx is stopped\n",
+        lines);
+    EXPECT_EQ(late.empty() ? 1u : 0u, result) << pollCount;
+    if (worker == waitForCancel) {
+      EXPECT_EQ(3u, state);
+      EXPECT_EQ(1u, ZotOsThreadCancel(&handle)) << "it goes on running";
+    }
     ASSERT_TRUE(allGone());
   }
 }
@@ -235,11 +214,18 @@ TEST_F(Thread, IsStoppedByCancelWhenItsHandleIsGiven) {
   ThreadRegistry::instance().continueAfter(0x10);
   uint32_t handle = 0, state = 0;
   ASSERT_EQ(1u, ZotOsThreadStart(&handle, &state, waitForCancel, &ended));
-  const auto stop = [&] {
-    EXPECT_EQ(1u, ZotOsThreadStop(&handle, &state, 1, nullptr, 0, "rx"));
-    EXPECT_EQ(0u, state);
-    state = 3;
-  };
+  const auto lines = told([&] {
+    for (const uint32_t given : {17u, 0u, 17u}) {  // lives, is none, has ended
+      handle = given;
+      state = 3;
+      EXPECT_EQ(1u, ZotOsThreadStop(&handle, &state, 1, nullptr, 0, "rx"));
+      EXPECT_EQ(0u, state);
+      ASSERT_TRUE(allGone());
+    }
+    EXPECT_EQ(17u, handle);
+    EXPECT_EQ(0u, ZotOsThreadCancel(nullptr));
+    EXPECT_EQ(1u, ZotOsThreadStop(nullptr, nullptr, 1, nullptr, 0, "rx"));
+  });
   EXPECT_EQ(filled(R"(TRACE ZotOsThreadStop(17=rx): do thread cancel
 TRACE ZotOsThreadCancel: hndl=0x11 (IDS)
 TRACE ZotOsThreadStop(0=rx): do thread cancel
@@ -247,16 +233,7 @@ TRACE ZotOsThreadStop(17=rx): do thread cancel
 ERROR ZotOsThreadCancel: failed (3=No such process IDS)
 ERROR ZotOsThreadStop: !!! rx parameter are missing !!!
 )"),
-            told([&] {
-              stop();
-              stop();
-              ASSERT_TRUE(allGone());
-              handle = 17;
-              stop();
-              EXPECT_EQ(17u, handle);
-              EXPECT_EQ(0u, ZotOsThreadCancel(nullptr));
-              EXPECT_EQ(1u, ZotOsThreadStop(nullptr, nullptr, 1, nullptr, 0, "rx"));
-            }));
+            lines);
 }
 
 }  // namespace

@@ -12,8 +12,7 @@ class FailingHeap {
  public:
   explicit FailingHeap(unsigned int after = 0) : passing_(after) { standing_ = this; }
   ~FailingHeap() { standing_ = nullptr; }
-  FailingHeap(const FailingHeap&) = delete;
-  FailingHeap& operator=(const FailingHeap&) = delete;
+  FailingHeap(FailingHeap&&) = delete;
 
   // Asked by every call: whether it has to fail, with errno set.
   static bool refuses() {

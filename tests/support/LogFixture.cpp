@@ -4,7 +4,7 @@
 
 namespace zot_test {
 
-Output captured(const std::function<void()>& body) {
+Output captured(const Body& body) {
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
   body();
@@ -12,49 +12,28 @@ Output captured(const std::function<void()>& body) {
   return {testing::internal::GetCapturedStdout(), std::move(err)};
 }
 
-std::vector<std::string> withoutStamps(const std::string& text) {
+std::string stampless(const Body& body) {
   static const std::regex kStamp("^\\d\\d-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d,\\d\\d\\d - ");
-  std::vector<std::string> lines;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) {
-    std::smatch stamp;
-    EXPECT_TRUE(std::regex_search(line, stamp, kStamp)) << line;
-    lines.push_back(stamp.suffix());
+  std::istringstream lines(captured(body).out);
+  std::string all;
+  for (std::string line; std::getline(lines, line);) {
+    EXPECT_TRUE(std::regex_search(line, kStamp)) << line;
+    all += std::regex_replace(line, kStamp, "") + "\n";
   }
-  return lines;
+  return all;
 }
 
-std::vector<std::string> logLines(const std::function<void()>& body, uint32_t level) {
+std::string told(const Body& body, uint32_t level) {
   const TestLog log(level);
-  return withoutStamps(captured(body).out);
+  return stampless(body);
 }
 
-std::string told(const std::function<void()>& body, uint32_t level) {
-  return joined(logLines(body, level));
-}
-
-std::string joined(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const auto& line : lines) {
-    text += line + "\n";
-  }
-  return text;
-}
-
-std::string callerIds() {
-  return "pid=" + std::to_string(getpid()) + " tid=" + std::to_string(gettid());
-}
-
-std::string filled(std::string lines, std::map<std::string, std::string> values) {
-  values["IDS"] = callerIds();
+std::string filled(std::string lines, std::map<std::string, Shown> values) {
+  values.insert({"IDS", "pid=" + std::to_string(getpid()) + " tid=" + std::to_string(gettid())});
   for (const auto& [word, value] : values) {
-    lines = std::regex_replace(lines, std::regex(word + "\\b"), value);
+    lines = std::regex_replace(lines, std::regex(word + "\\b"), value.text);
   }
   return lines;
-}
-
-std::string addressText(const void* address) {
-  return (std::ostringstream() << address).str();
 }
 
 }  // namespace zot_test

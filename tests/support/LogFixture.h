@@ -8,12 +8,13 @@
 #include <functional>
 #include <map>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "log/ZotLog.h"
 
 namespace zot_test {
+
+using Body = std::function<void()>;
+using Results = std::vector<uint32_t>;  // of several calls, in their order
 
 struct Output {
   std::string out, err;
@@ -21,45 +22,40 @@ struct Output {
 
 // What body writes to standard output and standard error, whether through stdio,
 // straight to the descriptor, or from a child process.
-Output captured(const std::function<void()>& body);
+Output captured(const Body& body);
 
 inline constexpr uint32_t kEveryLine = 0x68000005;  // all masks, to standard output
+inline constexpr uint32_t kErrors = ZOT_LOG_ERROR | ZOT_LOG_STDOUT;
 
 // While it lives, pstLog is an object with this level word and no shared block.
 class TestLog {
  public:
-  explicit TestLog(uint32_t level = kEveryLine) : before_(pstLog) {
-    object.localLevel = level;
-    object.level = &object.localLevel;
+  explicit TestLog(uint32_t level = kEveryLine) : object{0, &object.localLevel, level, {}} {
     pstLog = &object;
   }
-  TestLog(const TestLog&) = delete;
-  TestLog& operator=(const TestLog&) = delete;
+  TestLog(TestLog&&) = delete;
   ~TestLog() { pstLog = before_; }
 
-  ZotOsLog object{};
+  ZotOsLog object;
 
  private:
-  ZotOsLog* before_;
+  ZotOsLog* before_ = pstLog;
 };
 
-// The lines of a text; each has to begin with a timestamp, which is taken off.
-std::vector<std::string> withoutStamps(const std::string& text);
+// The lines of body's standard output without the timestamp that each begins with,
+// and of what it logs at this level.
+std::string stampless(const Body& body);
+std::string told(const Body& body, uint32_t level = kEveryLine);
 
-// The messages that body logs at every level, without their timestamps: one by one,
-// and as one text with a newline behind each.
-std::vector<std::string> logLines(const std::function<void()>& body, uint32_t level = kEveryLine);
-std::string told(const std::function<void()>& body, uint32_t level = kEveryLine);
+// Anything as a stream shows it.
+struct Shown {
+  template <typename Value>
+  Shown(const Value& value) : text((std::ostringstream() << value).str()) {}
+  std::string text;
+};
 
-std::string joined(const std::vector<std::string>& lines);
-
-// How most lines end, when the calling thread logs them.
-std::string callerIds();
-
-// Replaces each word of `values` in the lines, and IDS by callerIds().
-std::string filled(std::string lines, std::map<std::string, std::string> values = {});
-
-std::string addressText(const void* address);
+// Replaces words in the lines, and IDS by the process and the calling thread.
+std::string filled(std::string lines, std::map<std::string, Shown> values = {});
 
 }  // namespace zot_test
 

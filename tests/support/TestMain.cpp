@@ -9,20 +9,6 @@
 
 namespace {
 
-#ifdef __linux__
-void write(const char* path, const std::string& text) {
-  std::ofstream(path) << text << std::flush;
-}
-
-// In a user namespace a process owns nothing until its user and group are mapped.
-void stayTheUser(uid_t user, gid_t group) {
-  const auto itself = [](auto id) { return std::to_string(id) + " " + std::to_string(id) + " 1\n"; };
-  write("/proc/self/setgroups", "deny");
-  write("/proc/self/uid_map", itself(user));
-  write("/proc/self/gid_map", itself(group));
-}
-#endif
-
 // System V keys are machine-wide.  In a namespace of their own, tests neither
 // meet a running client nor each other, and whatever a failed test leaves behind
 // vanishes with the process.
@@ -36,31 +22,29 @@ bool enterOwnIpcNamespace() {
   if (errno != EPERM || unshare(CLONE_NEWUSER | CLONE_NEWIPC) != 0) {
     return false;
   }
-  stayTheUser(user, group);
+  // In a user namespace a process owns nothing until its user and group are mapped.
+  std::ofstream("/proc/self/setgroups") << "deny";
+  std::ofstream("/proc/self/uid_map") << user << " " << user << " 1";
+  std::ofstream("/proc/self/gid_map") << group << " " << group << " 1";
 #endif
   return true;
 }
 
-// The system's line for each segment and semaphore set of this IPC namespace.
-std::string ipcLeftovers() {
-  constexpr long kRemoved = 01000;  // the mode bit of a segment that goes with its last user
-  std::string found;
-  for (const char* path : {"/proc/sysvipc/shm", "/proc/sysvipc/sem"}) {
-    std::ifstream table(path);
-    std::string line;
-    std::getline(table, line);  // the headings
-    while (std::getline(table, line)) {
-      long key = 0, id = 0, mode = 0;
-      std::istringstream(line) >> key >> id >> std::oct >> mode;
-      found += (mode & kRemoved) == 0 ? line + "\n" : "";
+// No test may leave a segment or a semaphore set behind.  A segment that is removed
+// and goes with its last user does not count; the mode has a bit for that.
+class LeftoverCheck : public testing::EmptyTestEventListener {
+  void OnTestEnd(const testing::TestInfo&) override {
+    for (const char* path : {"/proc/sysvipc/shm", "/proc/sysvipc/sem"}) {
+      std::ifstream table(path);
+      std::string line;
+      std::getline(table, line);  // the headings
+      while (std::getline(table, line)) {
+        long key = 0, id = 0, mode = 0;
+        std::istringstream(line) >> key >> id >> std::oct >> mode;
+        EXPECT_NE(0, mode & 01000) << path << " lists " << line;
+      }
     }
   }
-  return found;
-}
-
-// No test may leave a segment or a semaphore set behind.
-class LeftoverCheck : public testing::EmptyTestEventListener {
-  void OnTestEnd(const testing::TestInfo&) override { EXPECT_EQ("", ipcLeftovers()); }
 };
 
 }  // namespace

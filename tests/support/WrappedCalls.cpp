@@ -4,25 +4,18 @@
 #include "support/CallScript.h"
 #include "support/FailingHeap.h"
 
+#define REFUSABLE(function, parameters, arguments)                         \
+  void* __real_##function parameters;                                      \
+  void* __wrap_##function parameters {                                     \
+    return FailingHeap::refuses() ? nullptr : __real_##function arguments; \
+  }
+
 extern "C" {
 
-void* __real_malloc(size_t size);
-void* __real_calloc(size_t count, size_t size);
-void* __real_realloc(void* block, size_t size);
-void* __real_shmat(int id, const void* address, int flags);
-
-void* __wrap_malloc(size_t size) {
-  return FailingHeap::refuses() ? nullptr : __real_malloc(size);
-}
-void* __wrap_calloc(size_t count, size_t size) {
-  return FailingHeap::refuses() ? nullptr : __real_calloc(count, size);
-}
-void* __wrap_realloc(void* block, size_t size) {
-  return FailingHeap::refuses() ? nullptr : __real_realloc(block, size);
-}
-void* __wrap_shmat(int id, const void* address, int flags) {
-  const bool failed = zot_test::fails(zot_test::next(zot_test::attaches));
-  return failed ? reinterpret_cast<void*>(-1) : __real_shmat(id, address, flags);
-}
+REFUSABLE(malloc, (size_t size), (size))
+REFUSABLE(calloc, (size_t count, size_t size), (count, size))
+REFUSABLE(realloc, (void* block, size_t size), (block, size))
+ZOT_SCRIPTED(zot_test::attaches, void*, shmat, (int id, const void* address, int flags), (id, address, flags),
+             (errno = entry, reinterpret_cast<void*>(-1)))
 
 }  // extern "C"
