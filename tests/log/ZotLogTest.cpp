@@ -4,6 +4,7 @@
 #include <syslog.h>
 
 #include <cstdarg>
+#include <memory>
 #include <thread>
 
 #include "log/LogInternal.h"
@@ -50,11 +51,7 @@ using namespace zot_test;
 
 TEST(LogLine, IsStampMessageAndNewline) {
   const TestLog log(0x20000001);
-  const struct {
-    const char* zone;
-    timeval time;
-    const char* stamp;
-  } cases[] = {
+  const std::tuple<const char*, timeval, std::string> cases[] = {
       {"XYZ-2", {1768465805, 123999}, "26-00-15 10:30:05,123"},
       {"UTC", {1768465805, 123999}, "26-00-15 08:30:05,123"},
       {"UTC", {946684799, 7000}, "99-11-31 23:59:59,007"},
@@ -62,13 +59,12 @@ TEST(LogLine, IsStampMessageAndNewline) {
       {"UTC", {978307200, 999999}, "01-00-01 00:00:00,999"},
       {"UTC", {-1, 0}, "01-00-01 00:00:00,999"},  // without a clock: the last one again
   };
-  for (const auto& c : cases) {
-    setenv("TZ", c.zone, 1);
-    pinnedTime = c.time;
+  for (const auto& [zone, time, stamp] : cases) {
+    setenv("TZ", zone, 1);
+    pinnedTime = time;
     const auto written = captured([] { ZotOsvLog(pstLog, 0x20000000, "TRACE %s(%d): ok", "f", 7); });
-    EXPECT_EQ(c.stamp + std::string(" - TRACE f(7): ok\n"), written.out);
-    EXPECT_EQ("", written.err);
-    EXPECT_STREQ(c.stamp, cpszGetTime());
+    EXPECT_EQ(stamp + " - TRACE f(7): ok\n", written.out + written.err);
+    EXPECT_EQ(stamp, cpszGetTime());
   }
   pinnedTime = {};
 }
@@ -193,6 +189,82 @@ TEST(SystemLog, InterpretsOnlyConversionsThatNeedNoArgument) {
     EXPECT_EQ(EXDEV, errno);
     EXPECT_EQ(shown + "\n", logged.back().second);
   }
+}
+
+const std::string kNine(9, ' ');
+
+std::string dump(const void* data, long length, int mode, unsigned int size = 1280) {
+  // A block of exactly this size, so that a write past its end is caught.
+  const auto text = std::make_unique<char[]>(size);
+  vPrepLogData(text.get(), size, data, length, mode);
+  return text.get();
+}
+
+TEST(HexDump, ShowsFullAndPaddedLines) {
+  const unsigned char bytes[] = {0x00, 0x1F, 0x20, 0x41, 0x7E, 0x7F, 0x80, 0xFF, '%', 's',
+                                 'J',  'K',  'L',  'M',  'N',  'O',  'P',  'Q',  'R', 0x0A};
+  const std::string line = kNine + " 00 1F 20 41 7E 7F 80 FF 25 73 4A 4B 4C 4D 4E 4F   .. A~\x7F..%sJKLMNO\n";
+  EXPECT_EQ(" len=   20\n" + line + kNine + " 50 51 52 0A" + std::string(36, ' ') + "   PQR.\n\n",
+            dump(bytes, 20, 1));
+  EXPECT_EQ(" len=   16\n" + line + "\n", dump(bytes, 16, 1)) << "no empty line behind full ones";
+  EXPECT_EQ(" len=    0\n\n", dump(bytes, 0, 1));
+  EXPECT_EQ(" len=   -5\n\n", dump(bytes, -5, 1));
+  const std::string whole = dump(std::string(100, 'A').data(), 100, 1);
+  EXPECT_EQ(" len=  100\n" + kNine + " 41", whole.substr(0, 23));
+  EXPECT_EQ(11u + 4 * 77 + 1, whole.size()) << "64 bytes at most";
+}
+
+TEST(HexDump, EndsWhereItsRoomEnds) {
+  const char bytes[] = "ABCDEFGHIJKLMNOPQRST";
+  const std::string full = kNine + " 41 42 43 44 45 46 47 48 49 4A 4B 4C 4D 4E 4F 50   ABCDEFGHIJKLMNOP\n";
+  const std::string tail = full + kNine + " 51 52 53 54", gap(39, ' ');
+  // By the characters that may stand behind the length line.  Two more bytes are
+  // kept; a line cut within its characters has its newline in one of them.
+  const std::map<unsigned int, std::string> cases{{8, "\n"},
+                                                  {12, kNine + " 41\n"},
+                                                  {59, full.substr(0, 57) + "\n"},
+                                                  {60, full.substr(0, 60) + "\n\n"},
+                                                  {75, full.substr(0, 75) + "\n"},
+                                                  {76, full},
+                                                  {86, full + kNine + "\n"},
+                                                  {133, tail + "\n"},
+                                                  {138, tail + gap + "Q\n"},
+                                                  {142, tail + gap + "QRST\n\n"}};
+  for (const auto& [limit, expected] : cases) {
+    // What the kept bytes cannot take is cut from the end.
+    EXPECT_EQ(" len=   20\n" + expected.substr(0, limit + 1), dump(bytes, 20, 1, 11 + limit + 2)) << limit;
+  }
+  for (unsigned int size = 1; size < 150; ++size) {
+    EXPECT_LT(dump(bytes, 20, 1, size).size() + dump(bytes, 5, 2, size).size(), 2 * size);
+  }
+}
+
+TEST(NumberDump, ListsUpToSixteenNumbers) {
+  const int32_t numbers[] = {1, 3, 6, -2147483647 - 1, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17};
+  EXPECT_EQ(" len=    3\n   1.3.6\n", dump(numbers, 3, 2));
+  EXPECT_EQ(" len=   17\n   1.3.6.-2147483648.5.6.7.8.9.10.11.12.13.14.15.16\n", dump(numbers, 17, 2));
+  EXPECT_EQ(" len=    0\n  \n", dump(numbers, 0, 2)) << "the last blank goes where a dot would stand";
+  EXPECT_EQ(" len=    3\n\n", dump(numbers, 3, 3));
+}
+
+TEST(DataLine, HasItsTextInFrontAndIsCut) {
+  const TestLog log;
+  const std::string ab = " len=    2\n" + kNine + " 41 42" + std::string(45, ' ') + "AB\n\n";
+  const auto withText = [](const std::string& text, const void* data) {
+    return captured([&] { ZotOsvLogData(pstLog, 4, text.c_str(), data, 2, 1); }).out.substr(24);
+  };
+  EXPECT_EQ("ERROR f" + ab, withText("ERROR f", "AB"));
+  EXPECT_EQ("ERROR f\npvData = NULL !!!", withText("ERROR f", nullptr));
+  for (const size_t length : {232u, 242u, 243u, 1000u}) {
+    EXPECT_EQ(std::string(232, 't') + ab, withText(std::string(length, 't'), "AB"));
+  }
+  const auto withFormat = [](const std::string& text, const void* data) {
+    return captured([&] { ZotOsvvLogData(pstLog, 4, data, 2, 1, "%s", text.c_str()); }).out.substr(24);
+  };
+  EXPECT_EQ("TRACE f:" + ab, withFormat("TRACE f:", "AB"));
+  EXPECT_EQ("TRACE f:\npvData = NULL !!!", withFormat("TRACE f:", nullptr));
+  EXPECT_EQ(std::string(1270, 'x') + "\npvData =", withFormat(std::string(1270, 'x'), nullptr));
+  EXPECT_EQ(std::string(1279, 'x'), withFormat(std::string(5000, 'x'), "AB"));
 }
 
 }  // namespace

@@ -65,18 +65,16 @@ class File : public TemporaryDirectory {
 };
 
 TEST_F(File, WrappersAnswerAndLeaveErrno) {
-  uint32_t size = 77;
+  uint32_t size = 77, none = 77;
   ASSERT_EQ(0, truncate("source", 0x100000007));
-  EXPECT_EQ(1u, ZotOsGetFileSize("source", &size));
-  EXPECT_EQ(7u, size);
-  EXPECT_EQ(1u, ZotOsRenameFile("source", "moved"));
-  EXPECT_EQ(0u, ZotOsGetFileSize("source", &size));
-  EXPECT_EQ(0u, size);
+  EXPECT_EQ((std::vector<uint32_t>{1, 1, 0}),
+            (std::vector{ZotOsGetFileSize("source", &size), ZotOsRenameFile("source", "moved"),
+                         ZotOsGetFileSize("source", &none)}));
   EXPECT_EQ(ENOENT, errno);
+  EXPECT_EQ(std::pair(7u, 0u), std::pair(size, none));
   EXPECT_EQ(1u, ZotOsSetFileTime("moved", 0xFFFFFFFF));
   EXPECT_EQ(0xFFFFFFFF, static_cast<uint32_t>(statusOf("moved").st_mtime));
-  EXPECT_EQ(0u, ZotOsDeleteDir("moved"));
-  EXPECT_EQ(1u, ZotOsDeleteFile("moved"));
+  EXPECT_EQ(std::pair(0u, 1u), std::pair(ZotOsDeleteDir("moved"), ZotOsDeleteFile("moved")));
 }
 
 TEST_F(File, CopyKeepsBytesModeOwnerAndTimes) {
@@ -116,25 +114,22 @@ TEST_F(File, CopySurvivesSignalsAndPartialTransfers) {
 }
 
 TEST_F(File, CopyReportsTheFirstFailureAndKeepsWhatItWrote) {
-  const struct {
-    Script script;
-    int error;
-    size_t written;
-  } cases[] = {{{.close = {EBADF, EBADF}, .read = {-100, EIO}}, EIO, 100},
-               {{.close = {EBADF, EBADF}, .write = {-7, -8, EDQUOT}}, EDQUOT, 15},
-               {{.close = {EBADF, EBADF}, .fchown = {EPERM}}, EPERM, bytes.size()},
-               {{.close = {EBADF, EBADF}, .fchmod = {EROFS}}, EROFS, bytes.size()},
-               {{.close = {ENOSPC, EBADF}}, ENOSPC, bytes.size()},
-               {{.close = {0, EBADF}, .utime = {EACCES}}, EACCES, bytes.size()},
-               {{.close = {0, EXDEV}}, EXDEV, bytes.size()}};
-  for (const auto& c : cases) {
+  const std::tuple<Script, int, size_t> cases[] = {
+      {{.close = {EBADF, EBADF}, .read = {-100, EIO}}, EIO, 100},
+      {{.close = {EBADF, EBADF}, .write = {-7, -8, EDQUOT}}, EDQUOT, 15},
+      {{.close = {EBADF, EBADF}, .fchown = {EPERM}}, EPERM, bytes.size()},
+      {{.close = {EBADF, EBADF}, .fchmod = {EROFS}}, EROFS, bytes.size()},
+      {{.close = {ENOSPC, EBADF}}, ENOSPC, bytes.size()},
+      {{.close = {0, EBADF}, .utime = {EACCES}}, EACCES, bytes.size()},
+      {{.close = {0, EXDEV}}, EXDEV, bytes.size()}};
+  for (const auto& [failing, error, written] : cases) {
     unlink("copy");
-    script = c.script;
+    script = failing;
     EXPECT_EQ(0u, ZotOsCopyFile("source", "copy", 0));
-    EXPECT_EQ(c.error, errno);
+    EXPECT_EQ(error, errno);
     script = {};
-    EXPECT_EQ(bytes.substr(0, c.written), readFile("copy"));
-    EXPECT_EQ(c.error == EXDEV, statusOf("copy").st_mtime == 1000000000) << "closing the source comes last";
+    EXPECT_EQ(bytes.substr(0, written), readFile("copy"));
+    EXPECT_EQ(error == EXDEV, statusOf("copy").st_mtime == 1000000000) << "closing the source comes last";
   }
 }
 
@@ -150,6 +145,26 @@ TEST_F(File, CopyWithoutABufferIsEmptyAndGood) {
   EXPECT_EQ(0, copy.st_size);
   EXPECT_EQ(0640u, copy.st_mode & 07777u);
   EXPECT_EQ(1000000000, copy.st_mtime);
+}
+
+TEST(Module, SplitsTheProgramPathAndStaysInsideTheDirectorySize) {
+  const std::string program = std::filesystem::read_symlink("/proc/self/exe").string();
+  const size_t slash = program.rfind('/');
+  for (const size_t size : {size_t{1024}, program.size(), slash + 2, size_t{1}}) {
+    std::vector<char> dir(size + 1, '#');
+    char name[1024] = "#";
+    uint32_t error = 77;
+    errno = EBADF;
+    EXPECT_EQ(1u, ZotOsGetModuleFileName(dir.data(), static_cast<uint32_t>(size), name, sizeof name, &error));
+    EXPECT_EQ(size > 1 ? program.substr(0, slash) : "", dir.data());
+    EXPECT_EQ(size > 1 ? program.substr(slash + 1, size - slash - 1) : "", name);
+    EXPECT_TRUE(error == 0 && dir.back() == '#');
+  }
+  char dir[] = "kept";
+  uint32_t error = 0;
+  EXPECT_EQ(0u, ZotOsGetModulePath(dir, 0, &error));
+  EXPECT_EQ(static_cast<uint32_t>(EINVAL), error);
+  EXPECT_STREQ("kept", dir);
 }
 
 }  // namespace

@@ -92,9 +92,7 @@ TEST_F(Process, FindsByTheOwnersBitAndCutsLongPaths) {
 TEST_F(Process, PassesArgumentsAsWritten) {
   const std::string longest(1016, 'x');
   const std::string slashes = "." + std::string(1016, '/') + "zotargs";
-  const struct {
-    std::string line, text, arguments;
-  } cases[] = {
+  const std::tuple<std::string, std::string, std::string> cases[] = {
       {"zotargs \t\n ", "/zotargs", "[]"},
       {"zotargs\t\n  one  two ", "/zotargs one  two ", "[one][two]"},
       {"zotargs 'a  b' \"c\td\" e\\ f", "/zotargs 'a  b' \"c\td\" e\\ f", "[a  b][c\td][e f]"},
@@ -103,9 +101,9 @@ TEST_F(Process, PassesArgumentsAsWritten) {
       {"zotargs " + longest, "/zotargs " + longest, "[" + longest + "]"},
       {slashes, "", "[]"},
   };
-  for (const auto& c : cases) {
-    expect(c.line.c_str(), 0, ran(c.text.empty() ? slashes : whole() + c.text, 0));
-    EXPECT_EQ(c.arguments, readFile("out")) << c.line;
+  for (const auto& [line, text, arguments] : cases) {
+    expect(line.c_str(), 0, ran(text.empty() ? slashes : whole() + text, 0));
+    EXPECT_EQ(arguments, readFile("out")) << line;
   }
 }
 
