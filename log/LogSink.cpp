@@ -119,7 +119,6 @@ void vWrLog(uint32_t toStdout, const char* prefix, const char* message) {
 LogStamp takeStamp() {
   timeval now{};
   tm local{};
-  tzset();  // localtime() does so by itself: a zone that changed meanwhile counts
   if (gettimeofday(&now, nullptr) != 0 || localtime_r(&now.tv_sec, &local) == nullptr) {
     return published();
   }

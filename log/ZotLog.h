@@ -51,8 +51,9 @@ ZOT_EXPORT void ZotOsvResLogLevel(ZotOsLog* log, uint32_t mask);
 ZOT_EXPORT uint32_t ZotOsdGetLogLevel(ZotOsLog* log);
 
 // Writes one line: "YY-MM-DD hh:mm:ss,mmm - ", the message and a newline.  The
-// month counts from zero and the year has two digits; callers rely on both.  A
-// message of 1542 characters or more is cut there and loses its newline.
+// month counts from zero and the year has two digits; callers rely on both.  The
+// time is local, in the zone that the process met first.  A message of 1542
+// characters or more is cut there and loses its newline.
 //
 // The system log gets the message alone, as a format: "%%" shows one percent
 // sign and "%m" the text of errno; any other percent sign shows as it stands.
