@@ -1,12 +1,11 @@
 // Where log lines go, and the timestamp in front of them.
+#include <pthread.h>
 #include <sys/time.h>
 #include <syslog.h>
 #include <unistd.h>
 
 #ifdef __linux__
 #include <sys/syscall.h>
-#else
-#include <pthread.h>
 #endif
 
 #include <cstdio>
@@ -84,24 +83,16 @@ void writeSyslog(const char* message) {
 #pragma GCC diagnostic pop
 }
 
-// Holds the stream's own lock, which keeps the lines of two threads apart.  A thread
-// may be cancelled while it writes; the destructor runs then too.
-class StdoutLocked {
- public:
-  StdoutLocked() { flockfile(stdout); }
-  ~StdoutLocked() { funlockfile(stdout); }
-  StdoutLocked(const StdoutLocked&) = delete;
-  StdoutLocked& operator=(const StdoutLocked&) = delete;
-};
-
+// The stream's own lock keeps the lines of two threads apart.
 void writeStdout(const char* prefix, const char* message) {
-  const StdoutLocked lock;
+  flockfile(stdout);
   std::fflush(stdout);
   if (prefix != nullptr && *prefix != '\0') {
     std::fputs(prefix, stdout);
   }
   std::fputs(message, stdout);
   std::fflush(stdout);
+  funlockfile(stdout);
 }
 
 }  // namespace
@@ -109,11 +100,16 @@ void writeStdout(const char* prefix, const char* message) {
 std::atomic<uint32_t> dLogOpen{0};
 
 void vWrLog(uint32_t toStdout, const char* prefix, const char* message) {
+  // A thread that is cancelled here would take the stream's lock along; compilers
+  // think that writing cannot unwind, so no destructor would give it back.
+  int before = 0;
+  pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before);
   if (toStdout != 0) {
     writeStdout(prefix, message);
   } else {
     writeSyslog(message);
   }
+  pthread_setcancelstate(before, &before);
 }
 
 LogStamp takeStamp() {

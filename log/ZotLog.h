@@ -7,7 +7,8 @@
 //
 // Every call accepts a null log object and then does nothing.  The writers never
 // fail, leave errno alone and allocate nothing; what does not fit is cut.  They
-// may be called from any thread; no lock is held but that of the output stream.
+// may be called from any thread; no lock is held but that of the output stream,
+// and a cancelled thread does not end in them.
 #ifndef ZOT_LOG_H
 #define ZOT_LOG_H
 

@@ -32,11 +32,8 @@ Component makeComponent(const char* prefix) {
   return access(prefix, W_OK) == 0 ? Component::Writable : Component::ReadOnly;
 }
 
-// What is in work while one directory of a tree is emptied.  The search logs, and
-// there a cancelled thread leaves it.
+// What is in work while one directory of a tree is emptied.
 struct TreeLevel {
-  ~TreeLevel() { ZotOsFindClose(&find); }
-
   ZotOsFindData find;
   char name[ZOT_OS_FIND_TEXT];
   char entry[kTreeText];
@@ -70,6 +67,7 @@ void deleteEntries(const char* path) {
     deleteEntry(*level, path, type);
     found = ZotOsFindNext(&level->find, level->name, &type, nullptr, nullptr);
   }
+  ZotOsFindClose(&level->find);
 }
 
 }  // namespace
