@@ -47,25 +47,25 @@ class MappedFile : public TemporaryDirectory {
 TEST_F(MappedFile, IsMadeExtendedOrMappedAsItIs) {
   const std::pair<std::string, std::string> cases[] = {
       {"", "\0\0\0\0\0"s}, {"abc", "abc\0\0"s}, {"abcdefg", "abcdefg"}};
-  for (const auto& [before, after] : cases) {
+  for (const auto& c : cases) {
     unlink("f");
-    if (!before.empty()) {
-      writeFile("f", before);
+    if (!c.first.empty()) {
+      writeFile("f", c.first);
     }
     const auto lines = told([&] {
       EXPECT_EQ(1u, ZotOsMmfCreate(&handle, 5, "f", kKey, 1));
-      ASSERT_EQ((std::vector<size_t>{before.empty(), 0, after.size()}), fields(handle));
-      EXPECT_EQ(after, std::string(static_cast<char*>(handle.address), handle.size));
+      ASSERT_EQ((std::vector<size_t>{c.first.empty(), 0, c.second.size()}), fields(handle));
+      EXPECT_EQ(c.second, std::string(static_cast<char*>(handle.address), handle.size));
       EXPECT_EQ(FD_CLOEXEC, fcntl(handle.fd, F_GETFD));
       struct stat status {};
       fstat(handle.fd, &status);
-      EXPECT_TRUE(!before.empty() || (status.st_mode & 0777) == 0600);
+      EXPECT_TRUE(!c.first.empty() || (status.st_mode & 0777) == 0600);
       static_cast<char*>(handle.address)[1] = 'X';
       EXPECT_EQ(1u, ZotOsMmfClose(&handle));
     });
     EXPECT_EQ('X', readFile("f").at(1));
     EXPECT_EQ(filled("TRACE ZotOsMmfCreate: mmap( BLOCK, SIZE ) ok\nTRACE ZotOsMmfClose: unmap(BLOCK) now\n",
-                     {{"BLOCK", handle.address}, {"SIZE", after.size()}}),
+                     {{"BLOCK", handle.address}, {"SIZE", c.second.size()}}),
               lines);
   }
 }

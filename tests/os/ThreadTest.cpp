@@ -11,12 +11,11 @@
 #include "support/Child.h"
 #include "support/LogFixture.h"
 
-static zot_test::CallScript attributes, creations;  // what the next calls return, unless it is 0
+static zot_test::CallScript creations;  // each a code to return, or 0
 
 // The linker's --wrap option sends the calls here.
 extern "C" {
 
-ZOT_SCRIPTED(attributes, int, pthread_attr_init, (pthread_attr_t * what), (what), entry)
 ZOT_SCRIPTED(creations, int, pthread_create,
              (pthread_t * id, const pthread_attr_t* how, void* (*run)(void*), void* arg), (id, how, run, arg),
              entry)
@@ -137,15 +136,14 @@ TEST_F(Thread, TellsHowItBeginsAndClearsWhatDidNot) {
   uint32_t handle = 77, failed = 77, started = 77, state = 0;
   const auto lines = told([&] {
     EXPECT_EQ(1u, ZotOsThreadBegin(&handle, returnAtOnce, 0, &ended));
-    attributes = {ENOMEM};
+    creations = {EAGAIN, EAGAIN};
     EXPECT_EQ(0u, ZotOsThreadBegin(&failed, returnAtOnce, 0, &ended));
-    creations = {EAGAIN};
     EXPECT_EQ(0u, ZotOsThreadStart(&started, &state, returnAtOnce, &ended));
     EXPECT_EQ(0u, ZotOsThreadBegin(nullptr, returnAtOnce, 0, &ended));
   });
   EXPECT_EQ(0u, failed + started + state);
   EXPECT_EQ(filled(R"(TRACE ZotOsThreadBegin: ok (IDS)
-ERROR ZotOsThreadBegin: init failed (12=Cannot allocate memory IDS)
+ERROR ZotOsThreadBegin: failed (11=Resource temporarily unavailable IDS)
 ERROR ZotOsThreadBegin: failed (11=Resource temporarily unavailable IDS)
 )"),
             lines);
