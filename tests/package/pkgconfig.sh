@@ -16,10 +16,8 @@ LD_LIBRARY_PATH=$(pkg-config --variable=libdir zotmacguiutils)
 export LD_LIBRARY_PATH
 
 mkdir -p "$work"
-# The flags are words for the compiler.
-# shellcheck disable=SC2046
-"$CC" -std=c11 "$sources/consumer.c" -o "$work/consumer_c" $(pkg-config --cflags --libs zotmacguiutils)
-# shellcheck disable=SC2046
-"$CXX" -std=c++17 "$sources/consumer.cpp" -o "$work/consumer_cpp" $(pkg-config --cflags --libs zotmacguiutils)
+eval "set -- $(pkg-config --cflags --libs zotmacguiutils)"  # a blank in a path comes escaped
+"$CC" -std=c11 "$sources/consumer.c" -o "$work/consumer_c" "$@"
+"$CXX" -std=c++17 "$sources/consumer.cpp" -o "$work/consumer_cpp" "$@"
 "$work/consumer_c"
 "$work/consumer_cpp"

@@ -55,10 +55,6 @@ class LeftoverCheck : public testing::EmptyTestEventListener {
 extern "C" const char* __tsan_default_options() {
   return "report_mutex_bugs=0";
 }
-// The C library guards tzset() with a lock that the sanitizer does not see.
-extern "C" const char* __tsan_default_suppressions() {
-  return "race:tzset";
-}
 #endif
 #endif
 
