@@ -12,7 +12,7 @@ version=$4
 PKG_CONFIG_PATH=$(dirname "$(find "$stage" -name zotmacguiutils.pc)")
 export PKG_CONFIG_PATH
 pkg-config --exact-version="$version" zotmacguiutils
-LD_LIBRARY_PATH=$(pkg-config --variable=libdir zotmacguiutils)
+LD_LIBRARY_PATH=$PKG_CONFIG_PATH/$(pkg-config --variable=libdir zotmacguiutils | sed 's|.*/pkgconfig/||')
 export LD_LIBRARY_PATH
 
 mkdir -p "$work"
