@@ -14,6 +14,7 @@
 
 #include "log/LogInternal.h"
 #include "log/LogLineInternal.h"
+#include "os/CancellationOff.h"
 #include "os/zot_string.h"
 
 namespace {
@@ -102,14 +103,12 @@ std::atomic<uint32_t> dLogOpen{0};
 void vWrLog(uint32_t toStdout, const char* prefix, const char* message) {
   // A thread that is cancelled here would take the stream's lock along; compilers
   // think that writing cannot unwind, so no destructor would give it back.
-  int before = 0;
-  pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before);
+  const CancellationOff uncancelled;
   if (toStdout != 0) {
     writeStdout(prefix, message);
   } else {
     writeSyslog(message);
   }
-  pthread_setcancelstate(before, &before);
 }
 
 LogStamp takeStamp() {
