@@ -6,6 +6,7 @@
 #include "ipaddr/ZotIpAddr.h"
 #include "mif/Mif32.h"
 #include "mif/MifRecord.h"
+#include "multilang/LanguageRecords.h"
 #include "multilang/ProgramTexts.h"
 #include "multilang/ZOT_MultiLanguage.h"
 #endif

@@ -1,4 +1,4 @@
-#include "multilang/LanguageFile.h"
+#include "multilang/LanguageFileInternal.h"
 
 #include <algorithm>
 #include <cstring>

@@ -8,7 +8,7 @@
 #include <new>
 #include <string_view>
 
-#include "multilang/LanguageFile.h"
+#include "multilang/LanguageFileInternal.h"
 #include "multilang/MutexHoldInternal.h"
 #include "os/ZotOsFile.h"
 

@@ -16,12 +16,11 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "multilang/LanguageRecords.h"
 #include "multilang/ProgramTexts.h"
 #include "os/ZotExport.h"
 
 struct ZotOsMutexHandle;
-struct tMlForms;
-struct tMlTexte;
 
 class ZOT_EXPORT ZOT_MultiLanguage {
  public:

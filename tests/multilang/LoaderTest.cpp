@@ -9,7 +9,7 @@
 #include <string>
 #include <thread>
 
-#include "multilang/LanguageFile.h"
+#include "multilang/LanguageFileInternal.h"
 #include "multilang/LanguageFileBytes.h"
 #include "support/FailingHeap.h"
 #include "support/TemporaryDirectory.h"

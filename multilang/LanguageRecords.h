@@ -1,19 +1,14 @@
-// The records of a language file and the two ways to read them.
+// The three records of a language file, as they stand in it.
 //
 // All numbers are unsigned, 32 bits wide and in host order; no conversion takes
 // place, so a file belongs to hosts of one byte order.  Short strings are one
 // length byte and that many bytes without a terminator.  docs/language-files.md
 // shows a small file byte by byte.
-//
-// Nothing here is trusted: counts allocate nothing and offsets are only seeked
-// to, so a damaged file or one of the other byte order ends in a short read.
-#ifndef LANGUAGE_FILE_H
-#define LANGUAGE_FILE_H
+#ifndef LANGUAGE_RECORDS_H
+#define LANGUAGE_RECORDS_H
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdio>
-#include <memory>
+#include <stddef.h>
+#include <stdint.h>
 
 // Offset 0 of the file.
 struct tMlHeader {
@@ -43,34 +38,11 @@ struct tMlTexte {
   uint32_t reserved;  // not read
   uint32_t element;
   uint32_t subElement;
-  char text[256];  // in the file a short string; terminated once it has been read
+  char text[256];  // in the file a short string; terminated once the loader has read it
 };
 static_assert(sizeof(tMlTexte) == 268);
 static_assert(offsetof(tMlTexte, element) == 4);
 static_assert(offsetof(tMlTexte, subElement) == 8);
 static_assert(offsetof(tMlTexte, text) == 12);
-
-struct CloseFile {
-  void operator()(FILE* file) const { std::fclose(file); }
-};
-using OpenFile = std::unique_ptr<FILE, CloseFile>;
-
-// Opens the language file at path and seeks to the texts of the first form record
-// with this number, which is copied to *form.
-//
-// Returns null when the file cannot be opened, has a version other than "1.0", ends
-// too early or lacks the form; what *form then holds is of no use.
-OpenFile mlOpenForm(const char* path, uint32_t formNumber, tMlForms* form);
-
-// Reads the text record at the stream's position and terminates its text.  What a
-// short record leaves out is zero, so a size of 0 gives an empty text.
-//
-// Returns false when the record's size is above 268 or the file ends too early;
-// *record is then unchanged.
-bool mlReadText(FILE* file, tMlTexte* record);
-
-// Turns the short string in buffer into a terminated text in place, cut to
-// size - 1 characters.  Never touches bytes behind the first size.
-void mlTerminateShortString(char* buffer, uint32_t size);
 
 #endif
