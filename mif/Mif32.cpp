@@ -237,16 +237,12 @@ unsigned int Mif32::AddTime(unsigned short oid, long time) {
 
 unsigned int Mif32::AddEndKz() {
   const unsigned int used = usedBytes();
-  const MifRecords records(pbData, used);
-  auto at = records.begin();
-  while (at != records.end()) {
-    ++at;
-  }
-  const uint64_t left = at.offset() <= used ? used - at.offset() : 0;
+  const uint64_t end = MifRecords(pbData, used).endOffset();
+  const uint64_t left = end <= used ? used - end : 0;
   if (left >= kMifHeaderSize) {
     return 0;
   }
-  if (left >= kMifEndMarkerSize && mifLoad<unsigned short>(pbData + at.offset()) == kMifEndMarker) {
+  if (left >= kMifEndMarkerSize && mifLoad<unsigned short>(pbData + end) == kMifEndMarker) {
     return 1;
   }
   return Add(kMifEndMarker, nullptr, 0);
@@ -260,12 +256,7 @@ unsigned int Mif32::DelEndKz() {
   if (mifLoad<unsigned short>(pbData + marker) != kMifEndMarker) {
     return 0;
   }
-  const MifRecords records(pbData, uLen);
-  auto at = records.begin();
-  while (at != records.end()) {
-    ++at;
-  }
-  if (at.offset() != marker) {
+  if (MifRecords(pbData, uLen).endOffset() != marker) {
     return 0;
   }
   uLen = marker;

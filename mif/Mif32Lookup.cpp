@@ -8,20 +8,17 @@
 
 unsigned int Mif32::Seek(unsigned short oid, unsigned int* valueOffset, unsigned int* valueLen,
                          unsigned int occurrence) {
-  unsigned int count = 0;
-  for (const MifRecord& record : MifRecords(pbData, usedBytes())) {
-    if (record.oid != oid || ++count != occurrence) {
-      continue;
-    }
-    if (valueOffset != nullptr) {
-      *valueOffset = static_cast<unsigned int>(record.valueOffset());
-    }
-    if (valueLen != nullptr) {
-      *valueLen = record.length;
-    }
-    return 1;
+  const auto record = MifRecords(pbData, usedBytes()).find(oid, occurrence);
+  if (!record) {
+    return 0;
   }
-  return 0;
+  if (valueOffset != nullptr) {
+    *valueOffset = static_cast<unsigned int>(record->valueOffset());
+  }
+  if (valueLen != nullptr) {
+    *valueLen = record->length;
+  }
+  return 1;
 }
 
 unsigned int Mif32::SearchValue(unsigned short oid, unsigned int* valueLen, unsigned int occurrence) {

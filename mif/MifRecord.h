@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <cstring>
 #include <iterator>
+#include <optional>
 
 inline constexpr unsigned short kMifEndMarker = 0xFFFF;
 inline constexpr unsigned int kMifEndMarkerSize = 2;
@@ -67,13 +68,14 @@ struct MifRecord {
 // is left.
 class MifRecords {
  public:
+  // An input iterator: it gives records by value, since it holds the only one.
   class iterator {
    public:
-    using iterator_category = std::forward_iterator_tag;
+    using iterator_category = std::input_iterator_tag;
     using value_type = MifRecord;
     using difference_type = std::ptrdiff_t;
     using pointer = const MifRecord*;
-    using reference = const MifRecord&;
+    using reference = MifRecord;
 
     iterator() = default;
     reference operator*() const { return record_; }
@@ -132,6 +134,27 @@ class MifRecords {
 
   iterator begin() const { return iterator(bytes_, size_); }
   iterator end() const { return {}; }
+
+  // The record of an OID that is the occurrence-th, counted from 1; nothing when
+  // there are fewer, and for occurrence 0.
+  std::optional<MifRecord> find(unsigned short oid, uint32_t occurrence) const {
+    uint64_t count = 0;
+    for (const MifRecord& record : *this) {
+      if (record.oid == oid && ++count == occurrence) {
+        return record;
+      }
+    }
+    return std::nullopt;
+  }
+
+  // Where the walk ends, as iterator::offset() tells it.
+  uint64_t endOffset() const {
+    iterator at = begin();
+    while (at != end()) {
+      ++at;
+    }
+    return at.offset();
+  }
 
  private:
   const unsigned char* bytes_;

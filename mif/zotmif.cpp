@@ -13,16 +13,7 @@ constexpr size_t kMaxAddressSize = 16;
 
 std::optional<MifRecord> find(const unsigned char* buf, uint32_t len, unsigned short oid,
                               uint32_t occurrence) {
-  if (buf == nullptr) {
-    return std::nullopt;
-  }
-  uint32_t count = 0;
-  for (const MifRecord& record : MifRecords(buf, len)) {
-    if (record.oid == oid && ++count == occurrence) {
-      return record;
-    }
-  }
-  return std::nullopt;
+  return MifRecords(buf, buf != nullptr ? len : 0).find(oid, occurrence);
 }
 
 // Whether count bytes from the value on are in the buffer, whatever its length says.
