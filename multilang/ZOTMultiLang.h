@@ -5,10 +5,11 @@
 //
 // Loads answer NO when the language file or the form in it is missing or damaged;
 // lookups then serve the defaults, or "(Text missing)" texts.  So they do before the
-// first load.  Texts are ISO 8859-1 in the files; a directory, base name or default
-// that cannot be written so counts as nil.  Strings returned are autoreleased and
-// carry no "&": the files mark keyboard accelerators with it for other platforms.
-// Nothing raises.  An instance serves one thread at a time.
+// first load.  Texts are ISO 8859-1 in the files; a default that cannot be written so
+// counts as nil.  Strings returned are autoreleased and carry no "&": the files mark
+// keyboard accelerators with it for other platforms.  Nothing raises but an argument
+// of a wrong class, which leaves the texts held.  An instance serves one thread at a
+// time.
 #ifndef ZOT_MULTI_LANG_H
 #define ZOT_MULTI_LANG_H
 
@@ -46,12 +47,14 @@ typedef struct ProgramTexts ProgramTexts;
 
 // The language files' directory, and their name without the language's extension.
 // Without a base name, files have default names such as "english.dat".  They count
-// from the next load or change of language on.
+// from the next load or change of language on.  One that is nil or that ISO 8859-1
+// cannot hold is ignored: loads then answer from the one set before.
 - (void)setFilePath:(NSString*)directory;
 - (void)setBaseName:(NSString*)name;
 
 // The number of the first of the user's preferred languages ("AppleLanguages").  0
-// when there is no such list.
+// when there is no such list: GNUstep itself never sets one, so a front end registers
+// a default or asks the user.
 - (NSNumber*)zotLanguageNumberFromPrefs;
 
 // "de" 1, "en" 2, "fr" 4, "nl" 10, "pl" 11; everything else, such as "en-GB", 0.
@@ -87,7 +90,8 @@ typedef struct ProgramTexts ProgramTexts;
 - (NSString*)prgTextForElemNr:(NSNumber*)element subElemNr:(NSNumber*)subElement withDefault:(NSString*)text;
 
 // Sets the title of every direct subview whose tag is above 0 to the text of that
-// element, sub-element 0.  One without a text keeps its title, less any "&".
+// element, sub-element 0.  One without a text keeps its title, less any "&".  A field
+// that the user fills needs tag 0, or what was typed counts as its title.
 - (void)setTextsForView:(NSView*)view;
 
 @end

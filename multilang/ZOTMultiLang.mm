@@ -25,11 +25,15 @@ void keep(Object** kept, Object* given) {
   *kept = given;
 }
 
-// The old table goes first, so that the loader never knows two of one object.
+// The old table goes before the new one is loaded, so that the loader never knows two
+// of one object; but after the numbers, since an argument of a wrong class raises.
 BOOL replaceTable(ProgramTexts** table, ZOT_MultiLanguage* loader, NSNumber* form, NSNumber* element,
                   signed char onlyElement) {
+  const unsigned int formNumber = [form unsignedIntValue];
+  const unsigned int elementNumber = [element unsignedIntValue];
   delete *table;
-  *table = loader->loadProgramTexts([form unsignedIntValue], [element unsignedIntValue], onlyElement, nullptr);
+  *table = nullptr;
+  *table = loader->loadProgramTexts(formNumber, elementNumber, onlyElement, nullptr);
   if (*table != nullptr) {
     return YES;
   }
@@ -37,12 +41,16 @@ BOOL replaceTable(ProgramTexts** table, ZOT_MultiLanguage* loader, NSNumber* for
   return NO;
 }
 
+NSString* withoutMarks(NSString* text) {
+  return [text stringByReplacingOccurrencesOfString:@"&" withString:@""];
+}
+
 NSString* shownText(ProgramTexts& table, NSNumber* element, NSNumber* subElement, signed char useElement,
                     NSString* def) {
   const char* text = table.getPrgTextDefA([element unsignedIntValue], [subElement unsignedIntValue], useElement,
                                           latin1(def), nullptr, 0);
   NSMutableString* marked = [[NSMutableString alloc] initWithCString:text encoding:NSISOLatin1StringEncoding];
-  NSString* shown = [marked stringByReplacingOccurrencesOfString:@"&" withString:@""];
+  NSString* shown = withoutMarks(marked);
   [marked release];
   return shown;
 }
@@ -55,6 +63,20 @@ NSString* lookUp(ProgramTexts* table, NSNumber* element, NSNumber* subElement, s
   }
   DummyProgramTexts standIn;
   return shownText(standIn, element, subElement, useElement, def);
+}
+
+bool hasText(ProgramTexts* table, NSInteger element) {
+  static const char none[] = "";
+  return table != nullptr &&
+         table->getPrgTextDefA(static_cast<unsigned int>(element), 0, 1, none, nullptr, 0) != none;
+}
+
+// Views of any kind may have a tag; no cell, or one without a title, is left alone.
+NSCell* titledCell(id view) {
+  id cell = [view respondsToSelector:@selector(cell)] ? [view cell] : nil;
+  const BOOL titled =
+      [cell respondsToSelector:@selector(title)] && [cell respondsToSelector:@selector(setTitle:)];
+  return titled ? cell : nil;
 }
 
 }  // namespace
@@ -174,15 +196,21 @@ NSString* lookUp(ProgramTexts* table, NSNumber* element, NSNumber* subElement, s
   NSEnumerator* subviews = [[view subviews] objectEnumerator];
   while (id subview = [subviews nextObject]) {
     const NSInteger tag = [subview tag];
-    // A view of another kind may have a tag and no cell.
-    if (tag <= 0 || ![subview respondsToSelector:@selector(cell)]) {
+    NSCell* cell = tag > 0 ? titledCell(subview) : nil;
+    if (cell == nil) {
       continue;
     }
-    NSCell* cell = [subview cell];
+    NSString* title = [cell title];
     NSString* text = [self prgTextForElemNr:[NSNumber numberWithInteger:tag]
                                   subElemNr:[NSNumber numberWithInt:0]
-                                withDefault:[cell title]];
-    [cell setTitle:text];
+                                withDefault:title];
+    // A title that is no default, not being ISO 8859-1, still beats "(Text missing)".
+    if (latin1(title) == nullptr && !hasText(pt, tag)) {
+      text = withoutMarks(title);
+    }
+    if (text != nil) {
+      [cell setTitle:text];
+    }
   }
 }
 

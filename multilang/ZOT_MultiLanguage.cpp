@@ -10,6 +10,7 @@
 
 #include "multilang/LanguageFileInternal.h"
 #include "multilang/MutexHoldInternal.h"
+#include "os/CancellationOff.h"
 #include "os/ZotOsFile.h"
 
 namespace {
@@ -159,11 +160,13 @@ const char* ZOT_MultiLanguage::buildFilePathName(unsigned int languageNumber) {
 }
 
 FILE* ZOT_MultiLanguage::openFormId(unsigned int formNumber, tMlForms* formRecord) {
+  const CancellationOff wholeCall;
   const char* path = formRecord != nullptr ? buildFilePathName(languageId) : nullptr;
   return path != nullptr ? mlOpenForm(path, formNumber, formRecord).release() : nullptr;
 }
 
 int ZOT_MultiLanguage::readElementText(FILE* file, tMlTexte* textRecord) {
+  const CancellationOff wholeCall;
   return file != nullptr && textRecord != nullptr && mlReadText(file, textRecord) ? 1 : 0;
 }
 
@@ -175,6 +178,7 @@ void ZOT_MultiLanguage::convertDelphiString(char* buffer, unsigned int size) {
 
 ProgramTexts* ZOT_MultiLanguage::loadProgramTexts(unsigned int form, unsigned int element,
                                                   signed char onlyElement, ProgramTexts* table) {
+  const CancellationOff wholeCall;
   tMlForms record;
   const OpenFile file(openFormId(form, &record));
   if (!file) {
@@ -197,6 +201,7 @@ ProgramTexts* ZOT_MultiLanguage::loadProgramTexts(unsigned int form, unsigned in
 }
 
 uint32_t ZOT_MultiLanguage::RefreshAllRegisteredChildren() {
+  const CancellationOff wholeCall;
   const MutexHold hold(registryMutex);
   uint32_t allLoaded = 1;
   for (uint32_t i = 0; i < registryCapacity; ++i) {
@@ -214,6 +219,9 @@ uint32_t ZOT_MultiLanguage::ptListAdd(ProgramTexts* table) {
     return 0;
   }
   const MutexHold hold(registryMutex);
+  if (!hold.held()) {
+    return 0;
+  }
   ProgramTexts** slot = std::find(registry, registry + registryCapacity, nullptr);
   if (slot == registry + registryCapacity) {
     const size_t capacity = size_t{registryCapacity} + kRegistryGrowth;
@@ -262,6 +270,9 @@ void ZOT_MultiLanguage::unregisterChild(ProgramTexts* table) {
       registry[i] = nullptr;
       --registryCount;
     }
+  }
+  if (table->parent == this) {
+    table->unregisterParent();
   }
 }
 

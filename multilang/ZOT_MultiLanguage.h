@@ -9,7 +9,8 @@
 // Texts passed in are copied.  The registry has its own lock, always taken before a
 // table's, so tables may be destroyed while another thread changes the language.
 // Path and language are not locked: set them, and load, from one thread at a time.
-// Every failure is a null or 0 result and is not logged; nothing throws.
+// Every failure is a null or 0 result and is not logged; nothing throws.  No call is a
+// cancellation point: a thread that is cancelled finishes its load first.
 #ifndef ZOT_MULTI_LANGUAGE_H
 #define ZOT_MULTI_LANGUAGE_H
 
@@ -56,13 +57,13 @@ class ZOT_EXPORT ZOT_MultiLanguage {
   const char* buildFilePathName(unsigned int languageNumber);
 
   // The language file, open at the first text record of a form, for the caller to
-  // close; *formRecord (96 bytes) gets the form's record.  Null when formRecord is null
+  // close; *formRecord gets the form's record.  Null when formRecord is null
   // or the file or the form in it is missing or damaged; what *formRecord then holds
   // is of no use.
   FILE* openFormId(unsigned int formNumber, tMlForms* formRecord);
 
-  // Reads the text record (268 bytes) at the file's position: element number at offset
-  // 4, sub-element number at 8, the text, now terminated, at 12.
+  // Reads the text record at the file's position and terminates its text; escapes stay
+  // as they are in the file.
   // Returns 1; 0 on damage or at the end of the file, and textRecord is unchanged.
   int readElementText(FILE* file, tMlTexte* textRecord);
 
@@ -84,15 +85,18 @@ class ZOT_EXPORT ZOT_MultiLanguage {
   uint32_t RefreshAllRegisteredChildren();
 
   // Registers a table of this loader, or one without a parent, whose parent it then
-  // becomes.  Does not look whether the table is there already; null is refused with 0.
-  // Also 0 when memory runs out: the registry is then lost and empty, and the tables
-  // that were in it have forgotten the loader.
+  // becomes.  Does not look whether the table is there already.
+  //
+  // Returns 1; 0 for null, for a loader whose lock could not be made, and when memory
+  // runs out: the registry is then lost and empty, and the tables that were in it have
+  // forgotten the loader.
   uint32_t ptListAdd(ProgramTexts* table);
 
   // Makes every table forget the loader and empties the registry.
   void ptListClear();
 
-  // Takes a table out of the registry; a table's destructor calls this.
+  // Takes a table out of the registry, and the table forgets this loader: it is no longer
+  // reloaded and may outlive the loader.  A table's destructor calls this.
   void unregisterChild(ProgramTexts* table);
 
   // A new stand-in table, unregistered, which belongs to the caller.

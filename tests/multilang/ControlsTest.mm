@@ -15,6 +15,16 @@
 }
 @end
 
+// Its cell is no NSCell and has no title.
+@interface UntitledView : TaggedView
+@end
+
+@implementation UntitledView
+- (id)cell {
+  return [NSNull null];
+}
+@end
+
 namespace {
 
 // Adds a control of this class; frames don't matter, since nothing is drawn.
@@ -37,6 +47,10 @@ TEST_F(Controls, AreRelabelledByTheirTags) {
   [box setTitle:@"Bo&x"];
   [view addSubview:box];
   [view addSubview:[[[TaggedView alloc] initWithFrame:NSMakeRect(0, 0, 10, 10)] autorelease]];
+  [view addSubview:[[[UntitledView alloc] initWithFrame:NSMakeRect(0, 0, 10, 10)] autorelease]];
+  NSString* const polish = [NSString stringWithUTF8String:"&Wy\u015Blij"];
+  NSButton* sent = add(view, [NSButton class], 5, polish);
+  NSButton* send = add(view, [NSButton class], 9, polish);
   NSButton* save = add(view, [NSButton class], 5, @"&Old");
   NSTextField* name = add(view, [NSTextField class], 6, @"O&ld");
   NSButton* unknown = add(view, [NSButton class], 7, @"R&emove");
@@ -52,6 +66,8 @@ TEST_F(Controls, AreRelabelledByTheirTags) {
   EXPECT_TRUE([texts loadProgramTextsForFormId:boxed(3)]);
   [texts setTextsForView:view];
   EXPECT_EQ("Save", utf8([save title]));
+  EXPECT_EQ("Save", utf8([sent title]));
+  EXPECT_EQ("Wy\u015Blij", utf8([send title])) << "not in ISO 8859-1 and not in the file";
   EXPECT_EQ("Name:", utf8([name stringValue]));
   EXPECT_EQ("Remove", utf8([unknown title])) << "its own title without the mark";
   EXPECT_EQ("O&ne", utf8([untagged title]));

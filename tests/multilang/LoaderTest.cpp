@@ -1,6 +1,7 @@
 #include "multilang/ZOT_MultiLanguage.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <atomic>
@@ -8,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "multilang/LanguageFileInternal.h"
 #include "multilang/LanguageFileBytes.h"
@@ -142,6 +144,39 @@ TEST_F(Loader, RegistryGrowsByTwoReusesPlacesAndSurvivesLosingItsMemory) {
   EXPECT_EQ("none", text(b, 1));
   EXPECT_EQ("none", text(dummy, 1));
   EXPECT_EQ("one", text(forgotten, 1));
+}
+
+TEST_F(Loader, RefusesWhatItCannotGuardAndIsForgottenByWhatAClientTakesOut) {
+  const auto other = [](const FailingHeap&) { return std::make_unique<ZOT_MultiLanguage>(); };
+  auto lockless = other(FailingHeap(0)), gone = other(FailingHeap(1));
+  Table stranger = empty(nullptr), table = empty(gone.get());
+  EXPECT_EQ(0u, lockless->ptListAdd(stranger.get()));
+  gone->ptListAdd(table.get());
+  loader.unregisterChild(table.get());
+  gone->unregisterChild(table.get());
+  gone.reset();
+  loader.ptListAdd(table.get());
+  table.reset();
+  EXPECT_EQ(1u, loader.RefreshAllRegisteredChildren()) << "its new loader has seen it go";
+}
+
+TEST_F(Loader, ACancelledThreadFinishesItsLoad) {
+  writeFile("english.dat", oneForm(3, std::vector<std::string>(200, textRecord(1, 0, "one"))));
+  std::atomic<int> loads{0};
+  const auto work = [](void* count) -> void* {
+    for (ZOT_MultiLanguage own;; pthread_testcancel()) {
+      Table(own.loadProgramTexts(3, 0, 0, nullptr));
+      ++*static_cast<std::atomic<int>*>(count);
+    }
+  };
+  for (int round = 1; round <= 50; ++round) {
+    pthread_t thread;
+    ASSERT_EQ(0, pthread_create(&thread, nullptr, work, &loads));
+    while (loads < 3 * round) {
+    }
+    EXPECT_EQ(0, pthread_cancel(thread));
+    EXPECT_EQ(0, pthread_join(thread, nullptr));
+  }
 }
 
 TEST_F(Loader, WithoutMemoryTheresAWholeTableOrNone) {

@@ -3,6 +3,22 @@
 #include "multilang/FoundationTest.h"
 #include "support/FailingHeap.h"
 
+// Asks for a text while its number is taken.
+@interface AskingNumber : NSObject {
+ @public
+  ZOTMultiLang* texts;
+  NSString* seen;
+}
+- (unsigned int)unsignedIntValue;
+@end
+
+@implementation AskingNumber
+- (unsigned int)unsignedIntValue {
+  seen = [texts prgTextForSubNr:[NSNumber numberWithInt:0]];
+  return 4;
+}
+@end
+
 namespace {
 
 using zot_test::writeFile;
@@ -91,6 +107,15 @@ TEST_F(MultiLang, AFailedLoadLeavesTheDefaults) {
   [texts setLanguage:boxed(4)];
   EXPECT_TRUE([texts loadProgramTextsForFormId:boxed(3)]);
   EXPECT_EQ("enfin", shown(0));
+}
+
+TEST_F(MultiLang, NumbersAreAskedBeforeTheTextsHeldGo) {
+  [texts setFilePath:directory];
+  EXPECT_TRUE([texts loadProgramTextsForFormId:boxed(3)]);
+  AskingNumber* number = [[[AskingNumber alloc] init] autorelease];
+  number->texts = texts;
+  EXPECT_FALSE([texts loadProgramTextsForFormId:(NSNumber*)number]);
+  EXPECT_EQ("Save", utf8(number->seen)) << "an argument that raises leaves them";
 }
 
 TEST_F(MultiLang, AChangeOfLanguageReachesTheTextsThatAreLoaded) {
