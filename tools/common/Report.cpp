@@ -1,0 +1,44 @@
+#include "tools/common/Report.h"
+
+#include "tools/common/Files.h"
+#include "tools/common/JsonList.h"
+
+namespace tool {
+
+struct Report::Elements {
+  JsonList list;
+};
+
+std::string messageOf(const Output& output, const std::string& file, const Finding& finding) {
+  const std::string place = finding.place ? fmt::format("{}:", *finding.place) : std::string();
+  return fmt::format("{} {}\n", output.paint(Colour::Bold, fmt::format("{}:{}", shownName(file), place)),
+                     finding.text);
+}
+
+Report::Report(Output& output, bool json)
+    : output_(output), elements_(json ? new Elements{JsonList(output)} : nullptr) {}
+
+Report::~Report() = default;
+
+void Report::add(const std::string& file, const Finding& finding) {
+  ++count_;
+  if (elements_ == nullptr) {
+    output_.write(messageOf(output_, file, finding));
+    return;
+  }
+  Json element = {{"file", shownName(file)}};
+  if (finding.place) {
+    element[finding.unit == Finding::Unit::Line ? "line" : "offset"] = *finding.place;
+  }
+  element["text"] = finding.text;
+  elements_->list.add(element);
+}
+
+Exit Report::finish() {
+  if (elements_ != nullptr) {
+    elements_->list.finish();
+  }
+  return count_ == 0 ? Exit::Done : Exit::Findings;
+}
+
+}  // namespace tool
