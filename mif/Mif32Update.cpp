@@ -2,19 +2,14 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 
 #include "mif/Mif32.h"
 #include "mif/MifRecord.h"
+#include "os/MallocedInternal.h"
 
 namespace {
 
 constexpr unsigned int kUpdateMargin = 10;
-
-struct FreeBlock {
-  void operator()(unsigned char* block) const { std::free(block); }
-};
-using HeapBlock = std::unique_ptr<unsigned char, FreeBlock>;
 
 }  // namespace
 
@@ -71,7 +66,7 @@ unsigned int Mif32::UpdBin(unsigned short oid, const unsigned char* value, unsig
   }
   const auto newLen = static_cast<unsigned int>(total);
   const unsigned int imageSize = cExternal != 0 ? newLen : newLen + kUpdateMargin;
-  HeapBlock image(buildUpdated(offset, oldLen, value, len, imageSize));
+  Malloced<unsigned char> image(buildUpdated(offset, oldLen, value, len, imageSize));
   if (image == nullptr) {
     return 0;
   }

@@ -3,22 +3,19 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 
 #include "mif/Mif32.h"
 #include "mifobject/FieldBytesInternal.h"
 #import "mifobject/GroupTextInternal.h"
 #include "mifobject/PasswordScrambling.h"
 #import "mifobject/ZOTMifBufferInternal.h"
+#include "os/MallocedInternal.h"
 
 using zot::kKeyForm;
 
 namespace {
 
-struct FreeBlock {
-  void operator()(char* block) const { std::free(block); }
-};
-using Block = std::unique_ptr<char, FreeBlock>;
+using Block = Malloced<char>;
 
 // The stored form of a password, null when there is none.
 Block scrambled(NSString* password) {

@@ -7,25 +7,18 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 
 #include "log/LogLineInternal.h"
-
-struct FreeHandle {
-  void operator()(void* handle) const { std::free(handle); }
-};
-
-template <typename Handle>
-using NewHandle = std::unique_ptr<Handle, FreeHandle>;
+#include "os/MallocedInternal.h"
 
 // An uninitialised record of the caller's function; *out becomes null.
 template <typename Handle>
-NewHandle<Handle> allocateHandle(const char* function, Handle** out) {
+Malloced<Handle> allocateHandle(const char* function, Handle** out) {
   // Callers look at the first word before they know which kind they hold.
   static_assert(offsetof(Handle, isNamed) == 0 && sizeof(Handle::isNamed) == 4 && sizeof(Handle::semId) == 4);
   static_assert(offsetof(Handle, semId) == offsetof(Handle, lock));
   *out = nullptr;
-  NewHandle<Handle> handle(static_cast<Handle*>(std::malloc(sizeof(Handle))));
+  Malloced<Handle> handle(static_cast<Handle*>(std::malloc(sizeof(Handle))));
   if (handle == nullptr) {
     const int error = errno;
     ZOT_LINE_ERR(ZOT_LOG_ERROR, error, "ERROR %s(%p): malloc failed (errno=%d=%s)", function,
@@ -36,7 +29,7 @@ NewHandle<Handle> allocateHandle(const char* function, Handle** out) {
 
 // Hands a finished record to the caller.
 template <typename Handle>
-uint32_t giveHandle(NewHandle<Handle>& handle, uint32_t isNamed, Handle** out) {
+uint32_t giveHandle(Malloced<Handle>& handle, uint32_t isNamed, Handle** out) {
   handle->isNamed = isNamed;
   *out = handle.release();
   return 1;

@@ -184,7 +184,7 @@ uint32_t ZotOsEventWait(ZotOsEventHandle* event, uint32_t timeoutMs, uint32_t* r
 }
 
 uint32_t ZotOsEventClose(ZotOsEventHandle* event) {
-  const NewHandle<ZotOsEventHandle> owned(event);
+  const Malloced<ZotOsEventHandle> owned(event);
   if (event->isNamed != 0) {
     return ZotOsClose(event->semId, kLetter);
   }

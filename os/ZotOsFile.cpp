@@ -8,9 +8,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 
 #include "os/FileDescriptor.h"
+#include "os/MallocedInternal.h"
 
 namespace {
 
@@ -61,7 +61,7 @@ bool fillCopy(int from, const struct stat& source, int to) {
   }
   const size_t size =
       destination.st_blksize < 1 ? kBlockSizeUnknown : static_cast<size_t>(destination.st_blksize);
-  const std::unique_ptr<char, decltype(&std::free)> buffer(static_cast<char*>(std::malloc(size)), &std::free);
+  const Malloced<char> buffer(static_cast<char*>(std::malloc(size)));
   if (buffer != nullptr &&
       (!copyBytes(from, to, buffer.get(), size) || fchown(to, source.st_uid, source.st_gid) != 0)) {
     return false;

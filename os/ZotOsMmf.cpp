@@ -10,16 +10,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <memory>
 
 #include "log/LogLineInternal.h"
+#include "os/MallocedInternal.h"
 #include "os/ZotOsMmfInternal.h"
 
 namespace {
-
-struct Free {
-  void operator()(void* block) const { std::free(block); }
-};
 
 // Keeps the number of the failure and makes the result 0.  The file or segment no
 // longer counts as made by this process.
@@ -59,7 +55,7 @@ bool readSize(ZotOsMmfHandle& handle, const char* path) {
 bool extendFile(ZotOsMmfHandle& handle, const char* path, uint32_t size) {
   const uint32_t missing = size - handle.size;
   // At least one byte, or calloc could answer null without a failure.
-  const std::unique_ptr<void, Free> zeros(std::calloc(std::max(missing, 1u), 1));
+  const Malloced<void> zeros(std::calloc(std::max(missing, 1u), 1));
   if (zeros == nullptr) {
     const int error = errno;
     ZOT_LINE_ERR(ZOT_LOG_FATAL, error, "FATAL ZotOsMmfCreate: no write buffer availabel (%d=%s)");

@@ -117,7 +117,7 @@ uint32_t ZotOsMutexClose(ZotOsMutexHandle* mutex) {
   if (refuseNull(mutex, "ZotOsMutexClose", "aMutex")) {
     return 0;
   }
-  const NewHandle<ZotOsMutexHandle> owned(mutex);
+  const Malloced<ZotOsMutexHandle> owned(mutex);
   if (mutex->isNamed != 0) {
     return ZotOsClose(mutex->semId, kLetter);
   }
