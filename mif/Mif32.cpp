@@ -1,38 +1,25 @@
 #include "mif/Mif32.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
 
 #include "mif/MifRecord.h"
+#include "os/WipeInternal.h"
 
 namespace {
 
 constexpr unsigned int kGrowthMargin = 1000;
-constexpr unsigned int kLargestDoubledBlock = 1u << 31;
 
-// The compiler would drop a plain memset in front of free().
-void wipe(unsigned char* block, size_t size) {
-  std::memset(block, 0, size);
-  __asm__ volatile("" : : "r"(block) : "memory");
-}
-
-// Blocks that grew are powers of two behind the scenes, so that realloc() moves
-// the bytes a logarithmic number of times although each growth asks for little.
-size_t grownBlockSize(unsigned int allocLen) {
-  return allocLen > kLargestDoubledBlock ? allocLen : std::bit_ceil(allocLen);
-}
+// A larger block grows by realloc(), which may leave its bytes behind in freed memory.
+constexpr unsigned int kLargestCopiedBlock = 65536;
 
 }  // namespace
 
 Mif32::Mif32() : pbData(nullptr), uLen(0), uAllocLen(0), cFailed(0), cExternal(0) {}
 
 Mif32::~Mif32() {
-  if (cExternal == 0 && pbData != nullptr) {
-    wipe(pbData, uAllocLen);
-  }
   releaseBlock();
   detach();
 }
@@ -48,8 +35,10 @@ bool Mif32::ownsAddress(const unsigned char* address) const {
          before(address, pbData + uAllocLen);
 }
 
+// Records may hold passwords: no block goes back to the heap with its bytes.
 void Mif32::releaseBlock() {
-  if (cExternal == 0) {
+  if (cExternal == 0 && pbData != nullptr) {
+    zotWipe(pbData, uAllocLen);
     std::free(pbData);
   }
 }
@@ -74,24 +63,30 @@ unsigned int Mif32::CheckSize(unsigned int n) {
 
 unsigned int Mif32::grow(unsigned int newAllocLen) {
   const unsigned int kept = pbData == nullptr ? 0 : uAllocLen;
-  auto* block = static_cast<unsigned char*>(std::realloc(pbData, grownBlockSize(newAllocLen)));
-  if (block == nullptr) {
-    std::free(pbData);
-    cFailed = 1;
-  } else {
-    // A length set by hand may show bytes that nobody wrote.
-    std::memset(block + kept, 0, newAllocLen - kept);
+  const bool copied = kept <= kLargestCopiedBlock;
+  void* block = copied ? std::malloc(newAllocLen) : std::realloc(pbData, newAllocLen);
+  if (copied && block != nullptr && kept != 0) {
+    std::memcpy(block, pbData, kept);
   }
-  pbData = block;
+  if (copied || block == nullptr) {
+    releaseBlock();
+  }
+  pbData = static_cast<unsigned char*>(block);
   uAllocLen = newAllocLen;
-  return block != nullptr ? 1 : 0;
+  if (block == nullptr) {
+    cFailed = 1;
+    return 0;
+  }
+  // A length set by hand may show bytes that nobody wrote.
+  std::memset(pbData + kept, 0, newAllocLen - kept);
+  return 1;
 }
 
 unsigned int Mif32::Alloc(unsigned short size) {
   if (cExternal != 0) {
     return 0;
   }
-  std::free(pbData);
+  releaseBlock();
   pbData = static_cast<unsigned char*>(std::calloc(size, 1));
   uAllocLen = size;
   uLen = 0;
@@ -157,12 +152,18 @@ void Mif32::SetData(const unsigned char* data, unsigned int size) {
     detach();
     return;
   }
-  // The bytes may stand in the block that is about to be freed.
+  // Bytes in the block that is given up are copied first.
+  const bool inside = ownsAddress(data);
+  if (!inside) {
+    releaseBlock();
+  }
   auto* block = static_cast<unsigned char*>(std::malloc(size));
   if (block != nullptr) {
     std::memcpy(block, data, size);
   }
-  releaseBlock();
+  if (inside) {
+    releaseBlock();
+  }
   pbData = block;
   if (block == nullptr) {
     cFailed = 1;
@@ -177,32 +178,58 @@ void Mif32::SetData(const char* data, unsigned int size) {
   SetData(reinterpret_cast<const unsigned char*>(data), size);
 }
 
-// The one place that writes behind the bytes in use.
+// Makes room for count bytes behind those in use.  A value inside the block moves
+// with it when the block grows.
+bool Mif32::makeRoom(uint64_t count, const unsigned char*& value) {
+  const bool inside = value != nullptr && ownsAddress(value);
+  const size_t valueOffset = inside ? static_cast<size_t>(value - pbData) : 0;
+  if (count > UINT32_MAX || CheckSize(static_cast<unsigned int>(count)) == 0) {
+    return false;
+  }
+  if (inside) {
+    value = pbData + valueOffset;
+  }
+  return true;
+}
+
 unsigned int Mif32::append(const void* header, unsigned int headerLen, const unsigned char* value,
                            unsigned int len) {
   const uint64_t count = uint64_t{headerLen} + len;
-  // A value inside the block moves with it when the block grows.
-  const bool inside = len != 0 && ownsAddress(value);
-  const size_t valueOffset = inside ? static_cast<size_t>(value - pbData) : 0;
-  if (count > UINT32_MAX || CheckSize(static_cast<unsigned int>(count)) == 0) {
+  if (!makeRoom(count, value)) {
     return 0;
   }
   if (headerLen != 0) {
     std::memcpy(pbData + uLen, header, headerLen);
   }
   if (len != 0) {
-    std::memmove(pbData + uLen + headerLen, inside ? pbData + valueOffset : value, len);
+    std::memmove(pbData + uLen + headerLen, value, len);
   }
   uLen += static_cast<unsigned int>(count);
   return 1;
 }
 
-unsigned int Mif32::Add(unsigned short oid, const unsigned char* value, unsigned short len) {
-  if (oid == kMifEndMarker) {
-    return append(&oid, kMifEndMarkerSize, nullptr, 0);
+// A value behind the end marker stands where that of a record would, two bytes
+// further than the room made for it; callers rely on the figures.
+unsigned int Mif32::appendEndMarker(const unsigned char* value, unsigned short len) {
+  const unsigned int count = kMifEndMarkerSize + len;
+  if (!makeRoom(count, value)) {
+    return 0;
   }
+  mifStore(pbData + uLen, kMifEndMarker);
+  const size_t behind = uAllocLen - uLen;
+  if (len != 0 && behind > kMifHeaderSize) {
+    std::memmove(pbData + uLen + kMifHeaderSize, value, std::min<size_t>(len, behind - kMifHeaderSize));
+  }
+  uLen += count;
+  return 1;
+}
+
+unsigned int Mif32::Add(unsigned short oid, const unsigned char* value, unsigned short len) {
   if (value == nullptr && len != 0) {
     return 0;
+  }
+  if (oid == kMifEndMarker) {
+    return appendEndMarker(value, len);
   }
   unsigned char header[kMifHeaderSize];
   mifStore(header, oid);

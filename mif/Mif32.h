@@ -1,8 +1,9 @@
 // A growable buffer of records: builds, searches, reads, updates and deletes them.
 //
-// Owned mode (the default): the object allocates its block on the C heap and
-// grows it as needed.  External mode: the caller lends memory, which is never
-// grown or freed and must outlive its use here.
+// Owned mode (the default): the object allocates its block on the C heap, grows it
+// as needed and wipes it before the heap gets it back; one of more than 64 KiB that
+// grows may leave bytes behind.  External mode: the caller lends memory, which is
+// never grown, wiped or freed and must outlive its use here.
 //
 // Results are 1 for success and 0 for failure, and outputs change on success only,
 // unless stated otherwise; nothing logs or throws.  An occurrence counts from 1
@@ -34,9 +35,12 @@ class ZOT_EXPORT Mif32 {
   // ---- Storage ----
 
   // Makes room for n more bytes.  Growth takes the bytes in use, n and 1000 more.
-  // When the heap refuses, block and records are lost, but the lengths stand as if
-  // they were not, and the next growth starts afresh.  External memory does not
-  // grow: 0 when n bytes do not fit.
+  //
+  // 0, and no change, when external memory has less than n bytes left or a 32-bit
+  // length could not hold the growth.  0 also when the heap refuses: the block and its
+  // records are gone then, GetData() is null, GetLen() stays and GetAllocLen() is what
+  // was asked for.  The next call that needs room tries again and finds zeros in the
+  // place of the lost bytes.
   unsigned int CheckSize(unsigned int n);
 
   // Replaces the block by one of size bytes, all zero and none in use.  0 in external
@@ -63,16 +67,23 @@ class ZOT_EXPORT Mif32 {
   // Owned mode: wipes the block and keeps it.  External mode: lets go of the memory.
   void ClearBuffer();
 
-  // Replaces the contents by a copy of size bytes, taken as they are; no bytes or a
-  // null data empty the object.  Ends external mode.  The current GetData() is
-  // left alone.  When the heap refuses, the object has no block and its old lengths.
+  // Replaces the contents by a copy of size bytes, taken as they are; a null data or
+  // a size of 0 empties the object.  Ends external mode.  The current GetData() changes
+  // nothing, whatever size says: so does a null data where there is no block, even if
+  // lengths of a lost one still stand.  When the heap refuses, the object has no
+  // block and keeps its lengths and its mode.
   void SetData(const unsigned char* data, unsigned int size);
   void SetData(const char* data, unsigned int size);
 
   // ---- Appending records ----
   // 0 for a null pointer or when there is no room; nothing is written then.
 
-  // The OID 0xFFFF appends the two bytes of the end marker, whatever len says.
+  // The value may be null when len is 0, unlike the data of AddBin.
+  //
+  // The OID 0xFFFF appends the two bytes of the end marker.  With a len of its own it
+  // counts 2 + len bytes, and the value goes to the fifth byte and those behind it, as
+  // far as the block reaches; the two bytes between stay as they were.  Callers rely
+  // on these figures.
   unsigned int Add(unsigned short oid, const unsigned char* value, unsigned short len);
 
   // Four bytes in host order.
@@ -125,7 +136,9 @@ class ZOT_EXPORT Mif32 {
   unsigned int GetStr(unsigned short oid, char* dst, unsigned short dstSize, unsigned int occurrence);
 
   // Gives the value in place, valid until the next change to the buffer; value may
-  // be null, valueLen must not.  The length is the record's word, as for Seek.
+  // be null, valueLen must not.  The length is the record's word, as for Seek: in
+  // foreign bytes it may run past the block, so compare it with what GetLen() leaves
+  // behind the value before reading.
   unsigned int GetBinPtr(unsigned short oid, unsigned char** value, unsigned int* valueLen,
                          unsigned int occurrence);
 
@@ -173,8 +186,10 @@ class ZOT_EXPORT Mif32 {
   ZOT_LOCAL void releaseBlock();
   ZOT_LOCAL void detach();
   ZOT_LOCAL unsigned int grow(unsigned int newAllocLen);
+  ZOT_LOCAL bool makeRoom(uint64_t count, const unsigned char*& value);
   ZOT_LOCAL unsigned int append(const void* header, unsigned int headerLen, const unsigned char* value,
                                 unsigned int len);
+  ZOT_LOCAL unsigned int appendEndMarker(const unsigned char* value, unsigned short len);
   template <typename Writer>
   ZOT_LOCAL unsigned int appendBeforeEndKz(Writer write);
   ZOT_LOCAL unsigned char* buildUpdated(unsigned int offset, unsigned int oldLen, const unsigned char* value,

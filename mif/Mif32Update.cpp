@@ -6,6 +6,7 @@
 #include "mif/Mif32.h"
 #include "mif/MifRecord.h"
 #include "os/MallocedInternal.h"
+#include "os/WipeInternal.h"
 
 namespace {
 
@@ -28,23 +29,26 @@ void Mif32::overwrite(unsigned int offset, const void* bytes, unsigned int count
   std::memcpy(pbData + offset, bytes, std::min(count, uAllocLen - offset));
 }
 
-// A new heap block of at least imageSize bytes: the buffer with another value at
-// offset.  A record whose old length runs past the bytes in use makes the image
-// shorter than its parts, so the block holds whichever is longer.
+// A new heap block of imageSize bytes: the buffer with another value at offset.  A
+// record whose old length runs past the bytes in use makes the image shorter than
+// its parts, which are cut then.
 unsigned char* Mif32::buildUpdated(unsigned int offset, unsigned int oldLen, const unsigned char* value,
                                    unsigned short len, unsigned int imageSize) {
-  const uint64_t oldEnd = uint64_t{offset} + oldLen;
-  const auto tail = static_cast<size_t>(oldEnd < usedBytes() ? usedBytes() - oldEnd : 0);
-  const size_t newEnd = size_t{offset} + len;
-  auto* image = static_cast<unsigned char*>(std::calloc(std::max<size_t>(newEnd + tail, imageSize), 1));
+  auto* image = static_cast<unsigned char*>(std::calloc(std::max(imageSize, 1u), 1));
   if (image == nullptr) {
     return nullptr;
   }
-  std::memcpy(image, pbData, offset);
-  mifStore(image + offset - sizeof len, len);
-  std::memcpy(image + offset, value, len);
-  if (tail != 0) {
-    std::memcpy(image + newEnd, pbData + oldEnd, tail);
+  const auto put = [=](size_t at, const void* bytes, size_t count) {
+    if (at < imageSize) {
+      std::memcpy(image + at, bytes, std::min(count, imageSize - at));
+    }
+  };
+  put(0, pbData, offset);
+  put(offset - sizeof len, &len, sizeof len);
+  put(offset, value, len);
+  const uint64_t oldEnd = uint64_t{offset} + oldLen;
+  if (oldEnd < usedBytes()) {
+    put(size_t{offset} + len, pbData + oldEnd, static_cast<size_t>(usedBytes() - oldEnd));
   }
   return image;
 }
@@ -72,8 +76,9 @@ unsigned int Mif32::UpdBin(unsigned short oid, const unsigned char* value, unsig
   }
   if (cExternal != 0) {
     std::memcpy(pbData, image.get(), newLen);
+    zotWipe(image.get(), newLen);
   } else {
-    std::free(pbData);
+    releaseBlock();
     pbData = image.release();
     uAllocLen = imageSize;
   }
@@ -122,17 +127,16 @@ unsigned int Mif32::DelOid(unsigned short oid) {
   if (Seek(oid, &offset, &length, 1) == 0 || uint64_t{offset} + length > uLen) {
     return 0;
   }
-  const unsigned int behind = offset + length;
-  const unsigned int start = offset - kMifHeaderSize;
-  const unsigned int used = usedBytes();
-  const unsigned int moved = behind < used ? used - behind : 0;
-  if (moved != 0) {
-    std::memmove(pbData + start, pbData + behind, moved);
-  }
+  const unsigned int usedBefore = usedBytes();
+  const unsigned int behind = std::min(offset + length, usedBefore);
+  unsigned char* const start = pbData + (offset - kMifHeaderSize);
+  std::memmove(start, pbData + behind, usedBefore - behind);
   uLen -= length + kMifHeaderSize;
-  // Where uLen claimed bytes beyond the block, zeros move in from there.
-  if (start + moved < std::min(uLen, uAllocLen)) {
-    std::memset(pbData + start + moved, 0, std::min(uLen, uAllocLen) - start - moved);
+  // Where uLen claims bytes beyond the block, zeros move in from there.
+  unsigned char* const moved = start + (usedBefore - behind);
+  unsigned char* const end = pbData + usedBytes();
+  if (moved < end) {
+    std::memset(moved, 0, static_cast<size_t>(end - moved));
   }
   return 1;
 }

@@ -6,9 +6,9 @@
 //   occurrence  1 for the first record of the OID, and so on; 0 finds nothing
 //
 // Results are 1 for success and 0 for failure unless stated otherwise.  A null buf,
-// a len of 0 and an occurrence of 0 give 0 and leave every output as it was.  So
-// does a value whose bytes do not all lie within len; only the address and range
-// functions read the missing ones as 0.
+// a len of 0 and an occurrence of 0 give 0 and leave every output as it was, except
+// that the range text is emptied.  So does a value whose bytes do not all lie within
+// len; only the address and range functions read the missing ones as 0.
 //
 // Nothing here allocates, logs or keeps a pointer.  Threads may read the same
 // bytes at the same time.
@@ -47,7 +47,8 @@ ZOT_EXPORT uint32_t zotmifGetStr(const unsigned char* buf, uint32_t len, unsigne
 
 // Copies the value.
 //
-//   dst     may be null to ask for the length only
+//   dst     may be null to ask for the length only, for which *dstLen must be
+//           large enough all the same
 //   dstLen  in: room at dst; out: the value's length.  Must not be null.
 //
 // When the room is too small, *dstLen becomes 0: the length that would be needed
@@ -82,7 +83,8 @@ ZOT_EXPORT uint32_t zotmifUpdInt(unsigned char* buf, uint32_t len, unsigned shor
 // decimals, and equal numbers are printed once.  A value of any other length
 // leaves its place between the separators empty.
 //
-//   out       outSize bytes, emptied first; a longer text is cut and terminated
+//   out       outSize bytes, emptied first, for a null buf too; a longer text is
+//             cut and terminated, and nothing is written when outSize is 0
 //   ipFormat  not 0: values of 8 bytes are two IPv4 addresses, each printed from
 //             its last byte to its first, which callers rely on
 //

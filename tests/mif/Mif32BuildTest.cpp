@@ -1,12 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "mif/Mif32.h"
 #include "mif/zotmif.h"
 #include "support/FailingHeap.h"
+#include "support/WatchedFrees.h"
 #include "tests/mif/MifBytes.h"
 
 namespace {
@@ -71,10 +73,21 @@ TEST(Mif32Building, RefusesNullAndCutsLengthsTo16Bits) {
   EXPECT_EQ(1u, mif.AddStr(7, large.c_str()));
   const std::string cut = large.substr(0, 4464);
   EXPECT_EQ(rec(6, cut) + rec(7, cut), contents(mif));
+}
 
-  mif.ClearBuffer();
-  EXPECT_EQ(1u, mif.Add(0xFFFF, bytesOf(large), 100)) << "the marker has neither length nor value";
-  EXPECT_EQ(kEndKz, contents(mif));
+TEST(Mif32Building, AValueBehindTheEndMarkerStandsAtTheFifthByte) {
+  std::string memory(13, '#');
+  Mif32 mif;
+  ASSERT_EQ(1u, mif.SetExternalMem(reinterpret_cast<unsigned char*>(memory.data()), 12, 1));
+  EXPECT_EQ(0u, mif.Add(0xFFFF, nullptr, 8));
+  EXPECT_EQ(1u, mif.Add(0xFFFF, bytesOf("abcdefgh"), 8));
+  EXPECT_EQ("#" + kEndKz + "##abcdefg#", memory) << "as far as the block reaches";
+  EXPECT_EQ(11u, mif.GetLen());
+  EXPECT_EQ(0u, mif.AddStr(0xFFFF, "a"));
+  Mif32 owned;
+  EXPECT_EQ(1u, owned.AddInt(0xFFFF, 7));
+  EXPECT_EQ(kEndKz + std::string(2, '\0') + host(7, 4).substr(0, 2), contents(owned));
+  EXPECT_EQ(6u + 1000, owned.GetAllocLen());
 }
 
 TEST(Mif32Building, GrowsByTheRequestAndThousand) {
@@ -205,6 +218,44 @@ TEST(Mif32Memory, AFailedGrowthLosesTheRecordsButCanGrowAgain) {
   }
   EXPECT_EQ(1u, mif.AddInt(1, 1));
   EXPECT_EQ(rec(1, host(1, 4)), contents(mif));
+}
+
+TEST(Mif32Memory, IsWipedBeforeTheHeapGetsItBack) {
+  const std::string secret = "hush hush";
+  unsigned char memory[16];
+  const std::function<void(Mif32&)> calls[] = {
+      [](Mif32&) {},
+      [](Mif32& mif) { mif.UpdStr(1, "x", 1); },
+      [](Mif32& mif) { mif.SetData("other", 5); },
+      [](Mif32& mif) { mif.SetData(mif.GetData() + 4, 9); },
+      [](Mif32& mif) { mif.SetData("", 0); },
+      [](Mif32& mif) { mif.Alloc(10); },
+      [&](Mif32& mif) { mif.SetExternalMem(memory, sizeof memory, 0); },
+      [](Mif32& mif) { mif.CheckSize(1000); },
+      [](Mif32& mif) {
+        const FailingHeap heap;
+        mif.CheckSize(1000);
+      },
+      [&](Mif32& mif) {  // the new value goes behind the end that the old length leaves
+        load(mif, rec(2, std::string(100, 'p')) + rec(1, "ab", 40));
+        EXPECT_EQ(1u, mif.UpdStr(1, secret.c_str(), 1));
+      },
+      [&](Mif32& mif) {
+        EXPECT_EQ(1u, mif.SetExternalMem(memory, sizeof memory, 0));
+        EXPECT_EQ(1u, mif.AddStr(1, secret.c_str()));
+        EXPECT_EQ(1u, mif.UpdStr(1, secret.c_str(), 1));
+      },
+  };
+  for (size_t i = 0; i < std::size(calls); ++i) {
+    WatchedFrees frees(secret);
+    {
+      Mif32 mif;
+      ASSERT_EQ(1u, mif.AddStr(1, secret.c_str()));
+      calls[i](mif);
+    }
+    EXPECT_NE(0u, frees.freed) << i;
+    EXPECT_EQ(0u, frees.found) << i;
+  }
 }
 
 TEST(Mif32Memory, AFailedCopyLeavesNoBlockAndAFailedUpdateChangesNothing) {

@@ -3,6 +3,7 @@
 
 #include "support/CallScript.h"
 #include "support/FailingHeap.h"
+#include "support/WatchedFrees.h"
 
 #define REFUSABLE(function, parameters, arguments)                         \
   void* __real_##function parameters;                                      \
@@ -14,7 +15,19 @@ extern "C" {
 
 REFUSABLE(malloc, (size_t size), (size))
 REFUSABLE(calloc, (size_t count, size_t size), (count, size))
-REFUSABLE(realloc, (void* block, size_t size), (block, size))
+
+void* __real_realloc(void* block, size_t size);
+void* __wrap_realloc(void* block, size_t size) {
+  WatchedFrees::look(block);  // it may move the bytes and free where they stood
+  return FailingHeap::refuses() ? nullptr : __real_realloc(block, size);
+}
+
+void __real_free(void* block);
+void __wrap_free(void* block) {
+  WatchedFrees::look(block);
+  __real_free(block);
+}
+
 ZOT_SCRIPTED(zot_test::attaches, void*, shmat, (int id, const void* address, int flags), (id, address, flags),
              (errno = entry, reinterpret_cast<void*>(-1)))
 
