@@ -1,0 +1,48 @@
+// Controls made in code and the measures that every page keeps to.
+#import <AppKit/AppKit.h>
+
+@class Texts;
+
+constexpr CGFloat kMargin = 20;
+constexpr CGFloat kGap = 8;
+constexpr CGFloat kFieldHeight = 24;
+constexpr CGFloat kSmallestButton = 96;
+
+// Counts from its top edge.
+@interface Page : NSView
+@end
+
+// What every tab of the window is.
+@protocol Tab
+- (NSView*)view;
+- (NSInteger)element;  // of the tab's title
+// Puts the texts of the language on all that shows.
+- (void)showTexts:(Texts*)texts;
+// The size below which something would be cut, with the texts that show.
+- (NSSize)smallestSize;
+- (void)layOut:(NSSize)size;
+@end
+
+// A text that the user does not change.  Its tag is the element of its text, or 0.
+NSTextField* makeText(NSInteger element);
+NSTextField* makeHint();
+
+// A field that the user fills has tag 0: its contents are no title.
+NSTextField* makeField(BOOL secret);
+
+NSButton* makeButton(NSInteger element, id target, SEL action);
+NSButton* makeCheckBox(NSInteger element, id target, SEL action);
+
+// A table whose columns have these elements as identifiers, in a frame that scrolls.
+NSScrollView* makeTable(const int* elements, size_t count, id source);
+NSTableView* tableIn(NSScrollView* frame);
+
+// Gives columns their titles, and each but the last the width of its title and of the
+// sample that stands for its longest value.
+void showColumns(NSTableView* table, Texts* texts, const char* const* samples);
+
+// The size that the contents of a control need.
+NSSize sizeOf(NSView* control);
+
+// Places a control at its own size, and returns the bottom edge.
+CGFloat place(NSView* control, CGFloat x, CGFloat y);

@@ -1,0 +1,219 @@
+#import "SettingsWindow.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+#import "Look.h"
+#import "ProfileTab.h"
+#import "Texts.h"
+
+namespace {
+
+struct Language {
+  int number;
+  const char* name;
+};
+constexpr Language kLanguages[] = {{2, "English"},
+                                   {1, "Deutsch"},
+                                   {4, "Fran\u00E7ais"},
+                                   {3, "Espa\u00F1ol"},
+                                   {11, "Polski"}};
+
+}  // namespace
+
+@interface SettingsWindow (Private)
+- (void)addControls;
+- (void)resizeToTexts;
+- (CGFloat)heightBelowTabs;
+- (void)layOut;
+- (void)languageChosen:(id)sender;
+- (void)profileChanged;
+- (void)showOutcome:(int)number;
+@end
+
+@implementation SettingsWindow
+
+- (id)initWithTexts:(Texts*)shownTexts language:(int)number {
+  self = [super init];
+  if (self != nil) {
+    texts = [shownTexts retain];
+    profile = [[Profile alloc] init];
+    window = [[NSWindow alloc]
+        initWithContentRect:NSMakeRect(100, 100, 400, 300)
+                  styleMask:NSTitledWindowMask | NSClosableWindowMask | NSResizableWindowMask
+                    backing:NSBackingStoreBuffered
+                      defer:NO];
+    [window setReleasedWhenClosed:NO];
+    [window setDelegate:self];
+    tabs = [[NSMutableArray alloc] initWithObjects:[[[ProfileTab alloc] initWithProfile:profile
+                                                                                  owner:self
+                                                                                changed:@selector(profileChanged)]
+                                                       autorelease],
+                                                   nil];
+    [self addControls];
+    [self showLanguage:number];
+  }
+  return self;
+}
+
+- (void)dealloc {
+  [window setDelegate:nil];
+  [window release];
+  [tabs release];
+  [profile release];
+  [texts release];
+  [super dealloc];
+}
+
+- (NSWindow*)window {
+  return window;
+}
+
+- (NSArray*)tabs {
+  return tabs;
+}
+
+- (ProfileTab*)profileTab {
+  return [tabs objectAtIndex:0];
+}
+
+- (void)selectTab:(NSUInteger)index {
+  [tabView selectTabViewItemAtIndex:index];
+}
+
+- (void)showLanguage:(int)number {
+  [texts setLanguage:number];
+  [languages selectItemAtIndex:[languages indexOfItemWithTag:number]];
+  [[languages itemAtIndex:0] setTitle:[texts textOf:kSystemLanguage]];
+  [languages synchronizeTitleAndSelectedItem];
+  [window setTitle:[texts textOf:kWindowTitle]];
+  for (NSUInteger i = 0; i < [tabs count]; ++i) {
+    id<Tab> tab = [tabs objectAtIndex:i];
+    [tab showTexts:texts];
+    [[tabView tabViewItemAtIndex:i] setLabel:[texts textOf:[tab element]]];
+  }
+  [texts labelView:[window contentView]];
+  [self showOutcome:outcome];
+  [self resizeToTexts];
+}
+
+- (void)windowDidResize:(NSNotification*)note {
+  [self layOut];
+}
+
+- (void)windowWillClose:(NSNotification*)note {
+  [NSApp terminate:self];
+}
+
+@end
+
+@implementation SettingsWindow (Private)
+
+- (void)addControls {
+  NSView* content = [[[Page alloc] initWithFrame:NSZeroRect] autorelease];
+  [window setContentView:content];
+  tabView = [[[NSTabView alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
+  for (NSUInteger i = 0; i < [tabs count]; ++i) {
+    NSTabViewItem* item = [[[NSTabViewItem alloc] initWithIdentifier:nil] autorelease];
+    [item setView:[(id<Tab>)[tabs objectAtIndex:i] view]];
+    [tabView addTabViewItem:item];
+  }
+  [content addSubview:tabView];
+
+  [content addSubview:makeText(kLanguage)];
+  languages = [[[NSPopUpButton alloc] initWithFrame:NSZeroRect pullsDown:NO] autorelease];
+  [languages addItemWithTitle:@""];
+  for (const Language& language : kLanguages) {
+    [languages addItemWithTitle:[NSString stringWithUTF8String:language.name]];
+    [[languages lastItem] setTag:language.number];
+  }
+  [languages setTarget:self];
+  [languages setAction:@selector(languageChosen:)];
+  [content addSubview:languages];
+
+  status = makeText(0);
+  [content addSubview:status];
+  NSButton* cancel = makeButton(kCancel, NSApp, @selector(terminate:));
+  NSButton* apply = makeButton(kApply, self, @selector(applyChosen:));
+  NSButton* connect = makeButton(kConnect, self, @selector(connectChosen:));
+  [cancel setKeyEquivalent:@"\033"];
+  [connect setKeyEquivalent:@"\r"];
+  [connect setFont:[NSFont boldSystemFontOfSize:12]];
+  NSView* const order[] = {[[self profileTab] lastControl], cancel, apply, connect, languages};
+  for (size_t i = 0; i + 1 < sizeof order / sizeof *order; ++i) {
+    [order[i] setNextKeyView:order[i + 1]];
+  }
+  [languages setNextKeyView:[[self profileTab] firstControl]];
+  for (NSButton* button : {cancel, apply, connect}) {
+    [content addSubview:button];
+  }
+  [window setInitialFirstResponder:[[self profileTab] firstControl]];
+}
+
+// Texts differ in length from language to language: the window grows with them.
+- (void)resizeToTexts {
+  NSSize page = NSZeroSize;
+  for (NSUInteger i = 0; i < [tabs count]; ++i) {
+    const NSSize smallest = [(id<Tab>)[tabs objectAtIndex:i] smallestSize];
+    page = NSMakeSize(std::max(page.width, smallest.width), std::max(page.height, smallest.height));
+  }
+  const NSRect whole = NSMakeRect(0, 0, 1000, 1000);
+  [tabView setFrame:whole];
+  const NSRect inner = [tabView contentRect];
+  const NSSize size = NSMakeSize(page.width + NSWidth(whole) - NSWidth(inner) + 2 * kMargin,
+                                 page.height + NSHeight(whole) - NSHeight(inner) + [self heightBelowTabs] + kMargin);
+  [window setContentMinSize:size];
+  [window setContentSize:size];
+  [self layOut];
+}
+
+- (CGFloat)heightBelowTabs {
+  return kGap + sizeOf(status).height + kGap + sizeOf([[window contentView] viewWithTag:kConnect]).height + kMargin;
+}
+
+- (void)layOut {
+  NSView* content = [window contentView];
+  const NSSize size = [content bounds].size;
+  const CGFloat width = size.width - 2 * kMargin;
+  const NSSize popUp = sizeOf(languages);
+  [languages setFrame:NSMakeRect(kMargin + width - popUp.width, kMargin - 5, popUp.width, kFieldHeight)];
+  NSView* label = [content viewWithTag:kLanguage];
+  const NSSize labelSize = sizeOf(label);
+  [label setFrame:NSMakeRect(NSMinX([languages frame]) - kGap - labelSize.width,
+                             NSMidY([languages frame]) - labelSize.height / 2, labelSize.width, labelSize.height)];
+
+  CGFloat y = size.height - [self heightBelowTabs];
+  [tabView setFrame:NSMakeRect(kMargin, kMargin, width, y - kMargin)];
+  for (NSUInteger i = 0; i < [tabs count]; ++i) {
+    id<Tab> tab = [tabs objectAtIndex:i];
+    [[tab view] setFrame:[tabView contentRect]];
+    [tab layOut:[tabView contentRect].size];
+  }
+  y += kGap;
+  [status setFrame:NSMakeRect(kMargin, y, width, sizeOf(status).height)];
+  y = NSMaxY([status frame]) + kGap;
+  CGFloat right = kMargin + width;
+  for (const Element element : {kConnect, kApply, kCancel}) {
+    NSView* button = [content viewWithTag:element];
+    NSSize own = sizeOf(button);
+    own.width = std::max(own.width, kSmallestButton);
+    [button setFrame:NSMakeRect(right - own.width, y, own.width, own.height)];
+    right -= own.width + kGap;
+  }
+  [content setNeedsDisplay:YES];
+}
+
+- (void)languageChosen:(id)sender {
+  [self showLanguage:static_cast<int>([[sender selectedItem] tag])];
+}
+
+- (void)profileChanged {
+}
+
+- (void)showOutcome:(int)number {
+  outcome = number;
+  [status setTextColor:number == kApplied || number == kConnected || number == kSending ? hintColor() : faultColor()];
+  [status setStringValue:number == 0 ? @"" : [texts textOf:kOutcomes sub:number]];
+}
+
+@end

@@ -1,0 +1,101 @@
+// The client's settings window.
+//
+//   demo [--directory DIR] [--language N] [--tab profile|records|log|system]
+//        [--screenshot FILE.png]
+//
+// Without --language the first of the user's preferred languages counts.  With
+// --screenshot the window's picture is written and the program ends.  Without a
+// display: xvfb-run -a demo ...
+#import <AppKit/AppKit.h>
+#include <getopt.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#import "Look.h"
+#import "SettingsWindow.h"
+#import "Texts.h"
+#include "os/ZotOsFile.h"
+
+namespace {
+
+struct Options {
+  int language = 0;
+  NSUInteger tab = 0;
+  const char* screenshot = nullptr;
+};
+
+constexpr const char* kTabNames[] = {"profile", "records", "log", "system"};
+
+Options readOptions(int argc, char** argv) {
+  const option known[] = {{"language", required_argument, nullptr, 'l'},
+                          {"tab", required_argument, nullptr, 't'},
+                          {"screenshot", required_argument, nullptr, 's'},
+                          {}};
+  Options options;
+  opterr = 0;  // AppKit has options of its own, such as -AppleLanguages '(fr)'
+  for (int found; (found = getopt_long_only(argc, argv, "", known, nullptr)) != -1;) {
+    switch (found) {
+      case 'l':
+        options.language = std::atoi(optarg);
+        break;
+      case 't':
+        for (NSUInteger i = 0; i < 4; ++i) {
+          options.tab = std::string(optarg) == kTabNames[i] ? i : options.tab;
+        }
+        break;
+      case 's':
+        options.screenshot = optarg;
+        break;
+    }
+  }
+  return options;
+}
+
+// The language files lie beside the program.  Paths go to ZOTMultiLang in ISO 8859-1,
+// so every byte of this one gets through.
+NSString* textDirectory() {
+  char path[4096] = "";
+  ZotOsGetModulePath(path, sizeof path, nullptr);
+  return [NSString stringWithFormat:@"%@/texts", [NSString stringWithCString:path
+                                                                    encoding:NSISOLatin1StringEncoding]];
+}
+
+bool writePicture(NSWindow* window, const char* path) {
+  // A turn of the run loop lets the window appear and draw.
+  [[NSRunLoop currentRunLoop] runUntilDate:[NSDate dateWithTimeIntervalSinceNow:0.5]];
+  NSView* whole = [[window contentView] superview];
+  [window display];
+  [whole lockFocus];
+  NSBitmapImageRep* picture = [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[whole bounds]] autorelease];
+  [whole unlockFocus];
+  NSData* png = [picture representationUsingType:NSPNGFileType properties:[NSDictionary dictionary]];
+  return [png writeToFile:[NSString stringWithUTF8String:path] atomically:NO];
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+  const Options options = readOptions(argc, argv);
+  registerLook(options.screenshot != nullptr);
+  [NSApplication sharedApplication];
+  installLook();
+
+  Texts* texts = [[[Texts alloc] initWithDirectory:textDirectory()] autorelease];
+  SettingsWindow* settings = [[[SettingsWindow alloc] initWithTexts:texts language:options.language] autorelease];
+  [settings selectTab:options.tab];
+  [[settings window] makeKeyAndOrderFront:nil];
+  int status = EXIT_SUCCESS;
+  if (options.screenshot == nullptr) {
+    [NSApp run];
+  } else if (writePicture([settings window], options.screenshot)) {
+    std::printf("%s shows \"%s\"\n", options.screenshot, [[[settings window] title] UTF8String]);
+  } else {
+    std::fprintf(stderr, "demo: cannot write %s\n", options.screenshot);
+    status = EXIT_FAILURE;
+  }
+  [pool release];
+  return status;
+}
