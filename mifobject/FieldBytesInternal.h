@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
 #include <span>
 
 #include "mif/Mif32.h"
@@ -33,17 +32,16 @@ uint8_t fieldByte(Number number) {
 //
 // A field has room for three characters and runs on into the next field's room
 // when it is longer; the next field then writes over it, so that 1234.5.6.7 begins
-// with 12345.  Callers rely on it.  Returns nothing when a field would run past the
-// room of the fourth.
-inline std::optional<std::array<uint8_t, 4>> looseIpV4(const char* text) {
+// with 12345.  Callers rely on it.  What runs past the room of the fourth is dropped.
+inline std::array<uint8_t, 4> looseIpV4(const char* text) {
   constexpr size_t room = 4;
   char fields[4 * room] = {};
+  constexpr size_t last = sizeof fields - 1;  // stays the terminator
   for (size_t field = 0; field < 4; ++field) {
-    for (size_t at = field * room; *text != '\0' && *text != '.'; ++at) {
-      if (at == sizeof fields - 1) {
-        return std::nullopt;
+    for (size_t at = field * room; *text != '\0' && *text != '.'; ++at, ++text) {
+      if (at < last) {
+        fields[at] = *text;
       }
-      fields[at] = *text++;
     }
     text += *text == '.' ? 1 : 0;
   }

@@ -1,11 +1,15 @@
 #import "mifobject/GroupTextInternal.h"
 
+#include <cstdio>
+
 #include "mifobject/FieldBytesInternal.h"
 
 namespace {
 
-NSArray* groupsOf(zot::GroupForm form, NSString* text) {
-  if (!form.hexadecimal) {
+constexpr size_t kLongestGroup = sizeof "255.";
+
+NSArray* groupsOf(const zot::GroupForm& form, NSString* text) {
+  if (!form.colonSeparates) {
     return [text componentsSeparatedByString:@"."];
   }
   NSCharacterSet* separators = [NSCharacterSet characterSetWithCharactersInString:@".:"];
@@ -13,13 +17,13 @@ NSArray* groupsOf(zot::GroupForm form, NSString* text) {
 }
 
 // The place of a group's byte in the value.
-NSUInteger placeOf(zot::GroupForm form, NSUInteger group) {
-  return form.hexadecimal ? group : form.count - 1 - group;
+NSUInteger placeOf(const zot::GroupForm& form, NSUInteger group) {
+  return form.lastGroupFirst ? form.count - 1 - group : group;
 }
 
 }  // namespace
 
-BOOL zot::splitGroups(GroupForm form, NSString* text, NSMutableArray* numbers) {
+BOOL zot::splitGroups(const GroupForm& form, NSString* text, NSMutableArray* numbers) {
   if (text == nil || numbers == nil) {
     return NO;
   }
@@ -42,21 +46,29 @@ BOOL zot::splitGroups(GroupForm form, NSString* text, NSMutableArray* numbers) {
   return YES;
 }
 
-BOOL zot::groupBytes(GroupForm form, NSString* text, uint8_t* value) {
+std::optional<BOOL> zot::groupBytes(const GroupForm& form, ZOTMifBuffer* buffer, NSString* text,
+                                    uint8_t* value) {
+  if (text == nil) {
+    return std::nullopt;
+  }
   NSMutableArray* numbers = [[NSMutableArray alloc] init];
-  const BOOL whole = splitGroups(form, text, numbers);
-  for (NSUInteger i = 0; i < [numbers count]; ++i) {
+  std::optional<BOOL> answer = form.split(buffer, text, numbers);
+  if ([numbers count] != form.count) {
+    answer.reset();
+  }
+  for (NSUInteger i = 0; answer && i < form.count; ++i) {
     value[placeOf(form, i)] = fieldByte([[numbers objectAtIndex:i] intValue]);
   }
   [numbers release];
-  return whole;
+  return answer;
 }
 
-NSString* zot::groupText(GroupForm form, const uint8_t* value) {
+NSString* zot::groupText(const GroupForm& form, const uint8_t* value) {
   NSMutableString* text = [NSMutableString string];
-  NSString* const format = form.hexadecimal ? @"%@%02X" : @"%@%d";
   for (NSUInteger i = 0; i < form.count; ++i) {
-    [text appendFormat:format, i == 0 ? @"" : @".", value[placeOf(form, i)]];
+    char group[kLongestGroup];
+    std::snprintf(group, sizeof group, form.printed, value[placeOf(form, i)]);
+    [text appendFormat:@"%s%s", i == 0 ? "" : ".", group];
   }
   return text;
 }

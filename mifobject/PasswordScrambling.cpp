@@ -55,7 +55,7 @@ uint16_t scramble(const char* input, char* output, KeyAt keyAt) {
 // where it is the terminator.
 uint16_t unescape(uint8_t* output, const uint8_t* input, uint16_t capacity) {
   const uint16_t count = shortLength(input);
-  uint16_t in = 0;
+  size_t in = 0;  // an escape may end one byte behind the last of 65,535
   uint16_t out = 0;
   while (out < capacity && in < count) {
     uint8_t byte = input[in++];

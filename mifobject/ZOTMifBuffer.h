@@ -98,10 +98,10 @@ typedef struct Mif32 Mif32;
 // NO, and no record written, for a nil first value and as stated below.
 
 // A loose parse: decimal numbers up to four '.', missing ones 0, the rest ignored.
-// NO for a text that is not ASCII.  A number of four and more characters runs on
-// into the next, so that 1234.5.6.7 begins with 12345 (callers rely on it); one
-// that runs past the fourth is answered with NO.  addIp tells nothing else;
-// updateIp answers as updateBin does.
+// A number of four and more characters runs on into the next, so that 1234.5.6.7
+// begins with 12345 (callers rely on it); what runs past the fourth is dropped.  NO
+// for a text that is not ASCII.  Otherwise addIp answers YES, and updateIp as updateBin
+// does.
 - (BOOL)addIp:(NSString*)ip forOid:(int)oid;
 - (BOOL)updateIp:(NSString*)ip forOid:(int)oid;
 

@@ -3,30 +3,61 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <utility>
 
 #include "mif/Mif32.h"
 #include "mifobject/FieldBytesInternal.h"
 #import "mifobject/GroupTextInternal.h"
 #include "mifobject/PasswordScrambling.h"
 #import "mifobject/ZOTMifBufferInternal.h"
-#include "os/MallocedInternal.h"
+#include "os/WipeInternal.h"
 
 using zot::kKeyForm;
 
 namespace {
 
-using Block = Malloced<char>;
+// Passwords leave nothing behind in memory that this file had for them.
+struct WipeAndFree {
+  void operator()(char* block) const {
+    zotWipe(block, size);
+    std::free(block);
+  }
+  size_t size;
+};
+using SecretBlock = std::unique_ptr<char, WipeAndFree>;
+
+SecretBlock secretBlock(size_t size) {
+  return {static_cast<char*>(std::malloc(size)), {size}};
+}
+
+struct SecretBuffer {
+  ~SecretBuffer() { zotWipe(bytes, sizeof bytes); }
+  unsigned char bytes[512] = {};
+};
+
+// The password in ISO 8859-1; null for nil and for a text that cannot be had so.
+SecretBlock plain(NSString* password) {
+  if (![password canBeConvertedToEncoding:NSISOLatin1StringEncoding]) {
+    return {};
+  }
+  const NSUInteger size = [password maximumLengthOfBytesUsingEncoding:NSISOLatin1StringEncoding] + 1;
+  SecretBlock text = secretBlock(size);
+  const BOOL converted =
+      text != nullptr && [password getCString:text.get() maxLength:size encoding:NSISOLatin1StringEncoding];
+  return converted ? std::move(text) : SecretBlock();
+}
 
 // The stored form of a password, null when there is none.
-Block scrambled(NSString* password) {
-  const char* text = latin1(password);
+SecretBlock scrambled(NSString* password) {
+  const SecretBlock text = plain(password);
   if (text == nullptr) {
-    return nullptr;
+    return {};
   }
   // Room for a text of which every byte is escaped.
-  Block stored(static_cast<char*>(std::malloc(2 * std::strlen(text) + 1)));
+  SecretBlock stored = secretBlock(2 * std::strlen(text.get()) + 1);
   if (stored != nullptr) {
-    EncryptPasw_20(const_cast<char*>(text), stored.get());
+    EncryptPasw_20(text.get(), stored.get());
   }
   return stored;
 }
@@ -36,30 +67,31 @@ Block scrambled(NSString* password) {
 @implementation ZOTMifBuffer (CryptFields)
 
 - (BOOL)addCryptStr:(NSString*)password forOid:(int)oid {
-  const Block stored = scrambled(password);
+  const SecretBlock stored = scrambled(password);
   return stored != nullptr && mif32->AddStr(oid16(oid), stored.get()) != 0;
 }
 
 - (BOOL)updateCryptStr:(NSString*)password forOid:(int)oid {
-  const Block stored = scrambled(password);
+  const SecretBlock stored = scrambled(password);
   return stored != nullptr && mif32->UpdStr(oid16(oid), stored.get(), 1) != 0;
 }
 
 - (BOOL)getCryptStr:(NSMutableString*)password forOid:(int)oid {
-  unsigned char stored[512] = {};
-  unsigned char text[512] = {};
-  if (password == nil || mif32->GetStr(oid16(oid), reinterpret_cast<char*>(stored), sizeof stored, 1) == 0 ||
-      DeCryptPasw_20(text, stored, sizeof text) == 0) {
+  SecretBuffer stored;
+  SecretBuffer text;
+  if (password == nil ||
+      mif32->GetStr(oid16(oid), reinterpret_cast<char*>(stored.bytes), sizeof stored.bytes, 1) == 0 ||
+      DeCryptPasw_20(text.bytes, stored.bytes, sizeof text.bytes) == 0) {
     return NO;
   }
-  [password setString:[NSString stringWithCString:reinterpret_cast<const char*>(text)
+  [password setString:[NSString stringWithCString:reinterpret_cast<const char*>(text.bytes)
                                          encoding:NSISOLatin1StringEncoding]];
   return YES;
 }
 
 - (BOOL)addCryptKey:(NSString*)key forOid:(int)oid {
   std::array<uint8_t, kKeyForm.count> value;
-  if (!zot::groupBytes(kKeyForm, key, value.data())) {
+  if (!zot::groupBytes(kKeyForm, self, key, value.data())) {
     return NO;
   }
   [self addBin:[NSData dataWithBytes:value.data() length:value.size()] forOid:oid];

@@ -19,24 +19,23 @@ NSData* dataOf(const Array& value) {
   return [NSData dataWithBytes:value.data() length:sizeof value];
 }
 
-// The bytes of the text's four numbers; nil when it cannot be parsed.
+// The bytes of the text's four numbers; nil for a text that ASCII cannot hold.
 NSData* looseIpData(NSString* ip) {
   const char* text = zotCString(ip, NSASCIIStringEncoding);
-  const auto value = text == nullptr ? std::nullopt : zot::looseIpV4(text);
-  return value ? dataOf(*value) : nil;
+  return text != nullptr ? dataOf(zot::looseIpV4(text)) : nil;
 }
 
 // The bytes of both addresses, a nil end being the start; nil when one of the texts
 // has not the form's number of groups.
-NSData* rangeData(zot::GroupForm form, NSString* from, NSString* to) {
+NSData* rangeData(ZOTMifBuffer* buffer, const zot::GroupForm& form, NSString* from, NSString* to) {
   std::array<uint8_t, 2 * kMacForm.count> value;
   uint8_t* const end = value.data() + form.count;
-  if (!zot::groupBytes(form, from, value.data())) {
+  if (!zot::groupBytes(form, buffer, from, value.data())) {
     return nil;
   }
   if (to == nil) {
     std::copy_n(value.data(), form.count, end);
-  } else if (!zot::groupBytes(form, to, end)) {
+  } else if (!zot::groupBytes(form, buffer, to, end).value_or(NO)) {
     return nil;
   }
   return [NSData dataWithBytes:value.data() length:2 * form.count];
@@ -45,18 +44,24 @@ NSData* rangeData(zot::GroupForm form, NSString* from, NSString* to) {
 // Both give YES for a value that could be made, whatever came of the record: callers
 // of the range updates rely on YES for a missing one.
 BOOL addValue(ZOTMifBuffer* buffer, NSData* value, int oid) {
+  if (value == nil) {
+    return NO;
+  }
   [buffer addBin:value forOid:oid];
-  return value != nil;
+  return YES;
 }
 
 BOOL updateValue(ZOTMifBuffer* buffer, NSData* value, int oid) {
+  if (value == nil) {
+    return NO;
+  }
   [buffer updateBin:value forOid:oid];
-  return value != nil;
+  return YES;
 }
 
 // Reads a value of exactly one address for each text.  Nothing changes unless all
 // texts are there.
-BOOL readAddresses(Mif32& records, int oid, zot::GroupForm form,
+BOOL readAddresses(Mif32& records, int oid, const zot::GroupForm& form,
                    std::initializer_list<NSMutableString*> texts) {
   std::array<uint8_t, 2 * kMacForm.count> value;
   if (std::find(texts.begin(), texts.end(), nil) != texts.end() ||
@@ -80,28 +85,29 @@ BOOL readAddresses(Mif32& records, int oid, zot::GroupForm form,
 }
 
 - (BOOL)updateIp:(NSString*)ip forOid:(int)oid {
-  return [self updateBin:looseIpData(ip) forOid:oid];
+  NSData* value = looseIpData(ip);
+  return value != nil && [self updateBin:value forOid:oid];
 }
 
 - (BOOL)addIPRangeFrom:(NSString*)from to:(NSString*)to forOid:(int)oid {
-  return addValue(self, rangeData(kIpV4Form, from, to), oid);
+  return addValue(self, rangeData(self, kIpV4Form, from, to), oid);
 }
 
 - (BOOL)updateIPRangeFrom:(NSString*)from to:(NSString*)to forOid:(int)oid {
-  return updateValue(self, rangeData(kIpV4Form, from, to), oid);
+  return updateValue(self, rangeData(self, kIpV4Form, from, to), oid);
 }
 
 - (BOOL)addMacAddr:(NSString*)mac forOid:(int)oid {
   std::array<uint8_t, kMacForm.count> value;
-  return zot::groupBytes(kMacForm, mac, value.data()) && addValue(self, dataOf(value), oid);
+  return zot::groupBytes(kMacForm, self, mac, value.data()) && addValue(self, dataOf(value), oid);
 }
 
 - (BOOL)addMacAddrRangeFrom:(NSString*)from to:(NSString*)to forOid:(int)oid {
-  return addValue(self, rangeData(kMacForm, from, to), oid);
+  return addValue(self, rangeData(self, kMacForm, from, to), oid);
 }
 
 - (BOOL)updateMacAddrRangeFrom:(NSString*)from to:(NSString*)to forOid:(int)oid {
-  return updateValue(self, rangeData(kMacForm, from, to), oid);
+  return updateValue(self, rangeData(self, kMacForm, from, to), oid);
 }
 
 - (BOOL)addWordRangeFrom:(NSNumber*)from to:(NSNumber*)to forOid:(int)oid {

@@ -29,7 +29,7 @@ TEST(LooseIpV4, ReadsWhatStandsThere) {
       {"1234.5.6.7", {12345, 5, 6, 7}},
       {"12345678.9", {12349678, 9678, 0, 0}},
       {"1.2.3456.7", {1, 2, 34567, 7}},
-      // These fill the room of the fourth: one character more is refused.
+      // These fill the room of the fourth: what comes behind them is dropped.
       {"10.1.2.255", {10, 1, 2, 255}},
       {"x1.300.0x9.007", {0, 300, 0, 7}},
       {"1.2.3456789", {1, 2, 3456789, 789}},
@@ -38,13 +38,12 @@ TEST(LooseIpV4, ReadsWhatStandsThere) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
-    const auto value = zot::looseIpV4(c.text.c_str());
-    ASSERT_TRUE(value);
-    for (size_t i = 0; i < 4; ++i) {
-      EXPECT_EQ(zot::fieldByte(c.numbers[i]), (*value)[3 - i]) << i;
-    }
     const bool full = &c >= std::end(cases) - 5;
-    EXPECT_EQ(!full, zot::looseIpV4((c.text + "x").c_str()).has_value());
+    const auto value = zot::looseIpV4(c.text.c_str());
+    for (size_t i = 0; i < 4; ++i) {
+      EXPECT_EQ(zot::fieldByte(c.numbers[i]), value[3 - i]) << i;
+    }
+    EXPECT_TRUE(!full || value == zot::looseIpV4((c.text + "9").c_str()));
   }
 }
 

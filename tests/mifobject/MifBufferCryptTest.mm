@@ -1,6 +1,7 @@
 #include <string>
 
 #include "support/FailingHeap.h"
+#include "support/WatchedFrees.h"
 #include "tests/mifobject/ObjectFixture.h"
 
 namespace {
@@ -38,6 +39,18 @@ TEST_F(CryptFields, PasswordsAreStoredScrambled) {
   }
   EXPECT_EQ("absent", valueOf(3));
   EXPECT_EQ("\xFE/\xFE=\x90\xB3\xFE*", valueOf(1));
+}
+
+TEST_F(CryptFields, LeaveNoPasswordInFreedMemory) {
+  for (const char* form : {"hush hush", " \xFE:\xFE?\xFE$O\xFE?U!\xFE-"}) {
+    WatchedFrees frees(form);
+    EXPECT_EQ(YES, [buffer addCryptStr:@"hush hush" forOid:1]);
+    EXPECT_EQ(YES, [buffer updateCryptStr:@"hush hush" forOid:1]);
+    EXPECT_NE(0u, frees.freed);
+    EXPECT_EQ(0u, frees.found);
+    EXPECT_NE(std::string::npos, valueOf(1).find("\xFE"));
+    EXPECT_EQ("hush hush", passwordOf(1));
+  }
 }
 
 TEST_F(CryptFields, SomePasswordsReadBackChangedOrNotAtAll) {

@@ -7,6 +7,46 @@ namespace {
 
 using std::string_literals::operator""s;
 
+std::string sent;
+
+}  // namespace
+
+// Notes what it is sent; its IPv4 split refuses what it has split.
+@interface WatchingBuffer : ZOTMifBuffer
+@end
+
+@implementation WatchingBuffer
+
+- (BOOL)splitIpStr:(NSString*)text IntoNumbersArray:(NSMutableArray*)numbers {
+  sent += "ip ";
+  [super splitIpStr:text IntoNumbersArray:numbers];
+  return NO;
+}
+
+- (BOOL)splitMacStr:(NSString*)text IntoNumbersArray:(NSMutableArray*)numbers {
+  sent += "mac ";
+  return [super splitMacStr:text IntoNumbersArray:numbers];
+}
+
+- (BOOL)splitCryptKeyStr:(NSString*)text IntoNumbersArray:(NSMutableArray*)numbers {
+  sent += "key ";
+  return [super splitCryptKeyStr:text IntoNumbersArray:numbers];
+}
+
+- (void)addBin:(NSData*)data forOid:(int)oid {
+  sent += data != nil ? "add " : "nil ";
+  [super addBin:data forOid:oid];
+}
+
+- (BOOL)updateBin:(NSData*)data forOid:(int)oid {
+  sent += data != nil ? "update " : "nil ";
+  return [super updateBin:data forOid:oid];
+}
+
+@end
+
+namespace {
+
 class RangeFields : public ObjectFixture {
  protected:
   std::pair<std::string, std::string> texts() const { return {[first UTF8String], [second UTF8String]}; }
@@ -15,7 +55,7 @@ class RangeFields : public ObjectFixture {
   NSMutableString* second = [NSMutableString stringWithString:@"before"];
 };
 
-TEST_F(RangeFields, OneIpIsParsedLooselyAndRefusedOnlyWhole) {
+TEST_F(RangeFields, OneIpIsParsedLooselyAndRefusedOnlyAsText) {
   EXPECT_EQ(YES, [buffer addIp:@"10.1" forOid:1]);
   EXPECT_EQ(fieldBytes({0, 0, 1, 10}), valueOf(1));
   EXPECT_EQ(YES, [buffer updateIp:@"1234.5.6.7.8" forOid:1]);
@@ -23,7 +63,10 @@ TEST_F(RangeFields, OneIpIsParsedLooselyAndRefusedOnlyWhole) {
   EXPECT_EQ(NO, [buffer updateIp:@"" forOid:2]) << "appended, so not replaced";
   EXPECT_EQ(fieldBytes({0, 0, 0, 0}), valueOf(2));
 
-  for (NSString* text : Texts{nil, @"1.2.3.4567", @"1.2.3.\u00e4"}) {
+  EXPECT_EQ(YES, [buffer addIp:@"192.168.1.254 " forOid:4]);
+  EXPECT_EQ(fieldBytes({254, 1, 168, 192}), valueOf(4)) << "what has no room is dropped";
+
+  for (NSString* text : Texts{nil, @"1.2.3.\u00e4"}) {
     EXPECT_EQ(NO, [buffer addIp:text forOid:3]);
     EXPECT_EQ(NO, [buffer updateIp:text forOid:1]);
   }
@@ -67,6 +110,24 @@ TEST_F(RangeFields, AddressRangesWantTheExactCountOfGroups) {
   }
   [buffer updateIPRangeFrom:@"1.2.3.4" to:nil forOid:101];
   EXPECT_EQ(fieldBytes({4, 3, 2, 1, 4, 3, 2, 1}), valueOf(101)) << "replaced";
+}
+
+TEST_F(RangeFields, TextsGoThroughThePublicSelectorsAndRefusedValuesNowhere) {
+  WatchingBuffer* const watching = [[[WatchingBuffer alloc] init] autorelease];
+  NSString* const ip = @"1.2.3.4";
+  NSString* const mac = @"1:2:3:4:5:6";
+  const auto heard = [](BOOL answer) { return (answer ? "YES " : "NO ") + std::exchange(sent, ""); };
+  EXPECT_EQ("YES ip add ", heard([watching addIPRangeFrom:ip to:nil forOid:1])) << "only the count is asked";
+  EXPECT_EQ("NO ip ip ", heard([watching updateIPRangeFrom:ip to:ip forOid:1])) << "and here the answer, too";
+  EXPECT_EQ("NO ip ", heard([watching addIPRangeFrom:@"1.2.3" to:ip forOid:1]));
+  EXPECT_EQ("NO ", heard([watching updateIPRangeFrom:nil to:ip forOid:1]));
+  EXPECT_EQ("YES mac mac update ", heard([watching updateMacAddrRangeFrom:mac to:mac forOid:1]));
+  EXPECT_EQ("YES mac add ", heard([watching addMacAddr:mac forOid:1]));
+  EXPECT_EQ("NO mac ", heard([watching addMacAddr:ip forOid:1]));
+  EXPECT_EQ("NO key ", heard([watching addCryptKey:mac forOid:1]));
+  EXPECT_EQ("NO ", heard([watching addIp:nil forOid:1]));
+  EXPECT_EQ("NO ", heard([watching updateIp:@"\u00e4" forOid:1]));
+  EXPECT_EQ("YES update ", heard([watching updateIp:@"" forOid:1])) << "the record added first";
 }
 
 TEST_F(RangeFields, OneMacAddressAndNumberRanges) {

@@ -50,7 +50,7 @@ TEST_F(MifBuffer, AddsUnderOidsModulo65536) {
                               rec(6, host(0x100000000, 8)) + rec(7, "Stra\xDF" "e") +
                               rec(8, std::string("\0x", 2)) + rec(9, "z");
   EXPECT_EQ(records, contents());
-  [buffer addInt:[NSNumber numberWithInt:1] forOid:-1];
+  [buffer addString:@"" forOid:-1];
   EXPECT_EQ(records + kEndKz, contents()) << "-1 is the end marker's OID";
   [buffer addEndKz];
   EXPECT_EQ(records + kEndKz, contents());

@@ -109,6 +109,13 @@ TEST(Unscrambling, WantsOneByteMoreThanItProduces) {
       EXPECT_EQ(";\x0A\x0F"s.substr(0, capacity), full.output) << "escapes resolved, nothing more";
     }
   }
+  std::string longest;  // 65,535 bytes, the last of which is a marker
+  for (int i = 0; i < 32767; ++i) {
+    longest += "\xFE ";
+  }
+  for (const bool blocksOf20 : {false, true}) {
+    EXPECT_EQ(32768, decoded(longest + "\xFE", blocksOf20, 40000).result) << "the walk ends there";
+  }
   EXPECT_EQ("sec#", decoded(stored, false, 4).output);
   EXPECT_EQ("sec\0#"s, decoded(stored, true, 5).output);
   EXPECT_EQ("\0"s, decoded("", true, 1).output);
