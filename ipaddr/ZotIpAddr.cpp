@@ -8,26 +8,26 @@
 #include <cstring>
 #include <optional>
 
+#include "ipaddr/AddressSizesInternal.h"
+
 namespace {
 
-constexpr unsigned int kIp4Len = 4;
-constexpr unsigned int kIp6Len = 16;
-constexpr unsigned char kAnyHost[kIp6Len] = {};
-constexpr unsigned char kLocalHostV4[kIp4Len] = {127, 0, 0, 1};
-constexpr unsigned char kLocalHostV6[kIp6Len] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1};
+constexpr unsigned char kAnyHost[kIp6Size] = {};
+constexpr unsigned char kLocalHostV4[kIp4Size] = {127, 0, 0, 1};
+constexpr unsigned char kLocalHostV6[kIp6Size] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1};
 constexpr unsigned char kMappedPrefix[] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFF};
 
 // The bytes of an address with the length that its owner claims for them.
 struct Octets {
   bool isMapped() const {
-    return len == kIp6Len && std::memcmp(bytes, kMappedPrefix, sizeof kMappedPrefix) == 0;
+    return len == kIp6Size && std::memcmp(bytes, kMappedPrefix, sizeof kMappedPrefix) == 0;
   }
   bool equals(const unsigned char* other, unsigned int otherLen) const {
     return len == otherLen && std::memcmp(bytes, other, len) == 0;
   }
   // The four bytes of the IPv4 view; null without one.
   const unsigned char* v4View() const {
-    if (len == kIp4Len) {
+    if (len == kIp4Size) {
       return bytes;
     }
     return isMapped() ? bytes + sizeof kMappedPrefix : nullptr;
@@ -43,18 +43,18 @@ std::optional<int> compare(const Octets& a, const Octets& b) {
   const unsigned char* aView = a.v4View();
   const unsigned char* bView = b.v4View();
   if (aView != nullptr && bView != nullptr) {
-    return std::memcmp(aView, bView, kIp4Len);
+    return std::memcmp(aView, bView, kIp4Size);
   }
   if (a.len == 0 || a.len != b.len) {
     return std::nullopt;
   }
-  return std::memcmp(a.bytes, b.bytes, std::min(a.len, kIp6Len));
+  return std::memcmp(a.bytes, b.bytes, std::min(a.len, kIp6Size));
 }
 
-// The pairs that are equal or unequal are those that have an order, less the
-// addresses of a length that is no family's.
+// For == and !=, which hold between real addresses only.  The orderings also compare
+// two values of one length that is no family's.
 std::optional<int> compareFamilies(const Octets& a, const Octets& b) {
-  return a.len == kIp4Len || a.len == kIp6Len ? compare(a, b) : std::nullopt;
+  return a.len == kIp4Size || a.len == kIp6Size ? compare(a, b) : std::nullopt;
 }
 
 }  // namespace
@@ -63,11 +63,11 @@ ZotIpAddr::ZotIpAddr() : abAddr{}, uAddrLen(0), pszText(nullptr) {}
 
 ZotIpAddr::ZotIpAddr(unsigned int addr) : ZotIpAddr() {
   std::memcpy(abAddr, &addr, sizeof addr);
-  uAddrLen = kIp4Len;
+  uAddrLen = kIp4Size;
 }
 
 ZotIpAddr::ZotIpAddr(const unsigned char* bytes, unsigned int len) : ZotIpAddr() {
-  std::copy_n(bytes, std::min(len, kIp6Len), abAddr);
+  std::copy_n(bytes, std::min(len, kIp6Size), abAddr);
   uAddrLen = len;
 }
 
@@ -80,7 +80,7 @@ ZotIpAddr::ZotIpAddr(const ZotIpAddr& other) : ZotIpAddr(other.abAddr, other.uAd
 ZotIpAddr& ZotIpAddr::operator=(const ZotIpAddr& other) {
   if (this != &other) {
     Clear();
-    std::copy_n(other.abAddr, std::min(other.uAddrLen, kIp6Len), abAddr);
+    std::copy_n(other.abAddr, std::min(other.uAddrLen, kIp6Size), abAddr);
     uAddrLen = other.uAddrLen;
   }
   return *this;
@@ -100,9 +100,9 @@ ZotIpAddr::~ZotIpAddr() {
 
 int ZotIpAddr::GetAF() const {
   switch (uAddrLen) {
-    case kIp4Len:
+    case kIp4Size:
       return AF_INET;
-    case kIp6Len:
+    case kIp6Size:
       return AF_INET6;
     default:
       return 0;
@@ -115,7 +115,7 @@ unsigned int ZotIpAddr::IsConfigured() const {
 
 unsigned int ZotIpAddr::IsLocalHost() const {
   const Octets self{abAddr, uAddrLen};
-  return self.equals(kLocalHostV4, kIp4Len) || self.equals(kLocalHostV6, kIp6Len);
+  return self.equals(kLocalHostV4, kIp4Size) || self.equals(kLocalHostV6, kIp6Size);
 }
 
 unsigned int ZotIpAddr::IsV4Mapped() const {
@@ -140,26 +140,26 @@ void ZotIpAddr::Clear() {
 }
 
 void ZotIpAddr::SetAnyHostV4() {
-  *this = ZotIpAddr(kAnyHost, kIp4Len);
+  *this = ZotIpAddr(kAnyHost, kIp4Size);
 }
 
 void ZotIpAddr::SetAnyHostV6() {
-  *this = ZotIpAddr(kAnyHost, kIp6Len);
+  *this = ZotIpAddr(kAnyHost, kIp6Size);
 }
 
 void ZotIpAddr::SetLocalHostV4() {
-  *this = ZotIpAddr(kLocalHostV4, kIp4Len);
+  *this = ZotIpAddr(kLocalHostV4, kIp4Size);
 }
 
 void ZotIpAddr::SetLocalHostV6() {
-  *this = ZotIpAddr(kLocalHostV6, kIp6Len);
+  *this = ZotIpAddr(kLocalHostV6, kIp6Size);
 }
 
 unsigned int ZotIpAddr::ConvertV4ToIpV6() {
-  if (uAddrLen == kIp4Len) {
-    std::memcpy(abAddr + sizeof kMappedPrefix, abAddr, kIp4Len);
+  if (uAddrLen == kIp4Size) {
+    std::memcpy(abAddr + sizeof kMappedPrefix, abAddr, kIp4Size);
     std::memcpy(abAddr, kMappedPrefix, sizeof kMappedPrefix);
-    uAddrLen = kIp6Len;
+    uAddrLen = kIp6Size;
   }
   return 1;
 }
@@ -168,24 +168,24 @@ unsigned int ZotIpAddr::ConvertV6ToIpV4() {
   if (IsV4Mapped() == 0) {
     return 0;
   }
-  std::memcpy(abAddr, abAddr + sizeof kMappedPrefix, kIp4Len);
-  uAddrLen = kIp4Len;
+  std::memcpy(abAddr, abAddr + sizeof kMappedPrefix, kIp4Size);
+  uAddrLen = kIp4Size;
   return 1;
 }
 
 void ZotIpAddr::InitSockAddr(sockaddr* sa, unsigned long size, unsigned short port) const {
   std::memset(sa, 0, size);
-  if (uAddrLen == kIp4Len) {
+  if (uAddrLen == kIp4Size) {
     sockaddr_in in{};
     in.sin_family = AF_INET;
     in.sin_port = port;
-    std::memcpy(&in.sin_addr, abAddr, kIp4Len);
+    std::memcpy(&in.sin_addr, abAddr, kIp4Size);
     std::memcpy(sa, &in, std::min<size_t>(size, sizeof in));
-  } else if (uAddrLen == kIp6Len && size >= sizeof(sockaddr_in6)) {
+  } else if (uAddrLen == kIp6Size && size >= sizeof(sockaddr_in6)) {
     sockaddr_in6 in6{};
     in6.sin6_family = AF_INET6;
     in6.sin6_port = port;
-    std::memcpy(&in6.sin6_addr, abAddr, kIp6Len);
+    std::memcpy(&in6.sin6_addr, abAddr, kIp6Size);
     std::memcpy(sa, &in6, sizeof in6);
   }
 }
@@ -195,16 +195,16 @@ void ZotIpAddr::SetFromSockAddr(const sockaddr_storage* ss) {
   if (ss->ss_family == AF_INET) {
     sockaddr_in in;
     std::memcpy(&in, ss, sizeof in);
-    SetIpAddrFromData(reinterpret_cast<const unsigned char*>(&in.sin_addr), kIp4Len);
+    SetIpAddrFromData(reinterpret_cast<const unsigned char*>(&in.sin_addr), kIp4Size);
   } else if (ss->ss_family == AF_INET6) {
     sockaddr_in6 in6;
     std::memcpy(&in6, ss, sizeof in6);
-    SetIpAddrFromData(reinterpret_cast<const unsigned char*>(&in6.sin6_addr), kIp6Len);
+    SetIpAddrFromData(reinterpret_cast<const unsigned char*>(&in6.sin6_addr), kIp6Size);
   }
 }
 
 unsigned int ZotIpAddr::SetIpAddrFromData(const unsigned char* data, unsigned int len) {
-  if (len != kIp4Len && len != kIp6Len) {
+  if (len != kIp4Size && len != kIp6Size) {
     Clear();
     return 0;
   }

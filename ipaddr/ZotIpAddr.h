@@ -104,8 +104,9 @@ class ZOT_EXPORT ZotIpAddr {
   // Prints by the rules of zot_inet.h.  0, and an empty text, when the address is
   // unset or its text does not fit.
   //
-  //   buf   at least one byte, which is written whatever size says
-  //   size  of an IPv4 text, the terminator need not be counted (see zot_inet_ntop4)
+  //   buf   has room for a byte even when size is 0: the empty text is written first
+  //   size  room in bytes; an IPv4 text fits when its characters do, and then its
+  //         terminator stands at buf[size] (see zot_inet_ntop4)
   unsigned int GetStr(char* buf, unsigned int size) const;
 
   // The text in a buffer of this object; empty when the address is unset or the

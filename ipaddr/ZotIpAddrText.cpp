@@ -3,25 +3,24 @@
 
 #include <cstdlib>
 
+#include "ipaddr/AddressSizesInternal.h"
 #include "ipaddr/zot_inet.h"
 
 namespace {
 
-constexpr unsigned int kIp4Len = 4;
-constexpr unsigned int kIp6Len = 16;
 constexpr unsigned int kTextSize = 64;
 
 }  // namespace
 
 unsigned int ZotIpAddr::SetIpV4Addr(const char* text) {
   Clear();
-  uAddrLen = zot_inet_pton4(text, abAddr) != 0 ? kIp4Len : 0;
+  uAddrLen = zot_inet_pton4(text, abAddr) != 0 ? kIp4Size : 0;
   return uAddrLen != 0;
 }
 
 unsigned int ZotIpAddr::SetIpV6Addr(const char* text) {
   Clear();
-  uAddrLen = zot_inet_pton6(text, abAddr) != 0 ? kIp6Len : 0;
+  uAddrLen = zot_inet_pton6(text, abAddr) != 0 ? kIp6Size : 0;
   return uAddrLen != 0;
 }
 
@@ -32,9 +31,9 @@ unsigned int ZotIpAddr::SetIpAddr(const char* text) {
 unsigned int ZotIpAddr::GetStr(char* buf, unsigned int size) const {
   *buf = '\0';
   switch (uAddrLen) {
-    case kIp4Len:
+    case kIp4Size:
       return zot_inet_ntop4(abAddr, buf, size) != nullptr;
-    case kIp6Len:
+    case kIp6Size:
       return zot_inet_ntop6(abAddr, buf, size) != nullptr;
     default:
       return 0;

@@ -6,58 +6,118 @@
 #include <cstring>
 #include <optional>
 
+#include "ipaddr/AddressSizesInternal.h"
+
 namespace {
 
-constexpr size_t kIp4Bytes = 4;
-constexpr size_t kIp6Bytes = 16;
-constexpr size_t kIp6Words = 8;
+constexpr size_t kIp6Words = kIp6Size / 2;
 // The longest text that a full IPv6 address with a dotted quad could have, and its terminator.
 constexpr size_t kIp6TextSize = 46;
 
-std::optional<unsigned int> hexDigit(char c) {
-  if (c >= '0' && c <= '9') {
-    return c - '0';
+constexpr unsigned int kNoDigit = 16;
+
+// The value of each character as a hexadecimal digit.
+constexpr std::array<unsigned char, 256> kHexDigits = [] {
+  std::array<unsigned char, 256> values{};
+  values.fill(kNoDigit);
+  for (unsigned char i = 0; i < 10; ++i) {
+    values['0' + i] = i;
   }
-  if (c >= 'a' && c <= 'f') {
-    return c - 'a' + 10;
+  for (unsigned char i = 0; i < 6; ++i) {
+    values['a' + i] = values['A' + i] = static_cast<unsigned char>(10 + i);
   }
-  if (c >= 'A' && c <= 'F') {
-    return c - 'A' + 10;
-  }
-  return std::nullopt;
+  return values;
+}();
+
+unsigned int hexDigit(char c) {
+  return kHexDigits[static_cast<unsigned char>(c)];
+}
+
+unsigned int decimalDigit(char c) {
+  return static_cast<unsigned int>(static_cast<unsigned char>(c)) - '0';
 }
 
 // The bytes of an IPv6 address while its text is read from left to right.
-struct Ip6Scratch {
+class Ip6Scratch {
+ public:
+  // Reads groups up to the end of text; a leading double colon has lost one colon.
+  bool readGroups(const char* text) {
+    for (;; ++text) {
+      const char* const token = text;
+      unsigned int group = 0;
+      for (unsigned int digit = 0; (digit = hexDigit(*text)) != kNoDigit; ++text) {
+        group = group * 16 + digit;
+        if (group > 0xFFFF) {
+          return false;
+        }
+      }
+      const bool empty = text == token;
+      switch (*text) {
+        case ':':
+          if (empty ? !addGap() : !addGroup(group)) {
+            return false;
+          }
+          break;
+        case '.':  // the group's digits are the first number of the quad
+          return addQuad(token);
+        case '\0':
+          return empty || addGroup(group);
+        default:
+          return false;
+      }
+    }
+  }
+
+  // Gives the double colon its groups; false unless there are 16 bytes then.
+  bool finish() {
+    if (gap_) {
+      stretchGap(*gap_);
+      return true;
+    }
+    return used_ == sizeof bytes_;
+  }
+
+  const unsigned char* bytes() const { return bytes_; }
+
+ private:
   bool addGroup(unsigned int value) {
-    if (sizeof bytes - used < 2) {
+    if (sizeof bytes_ - used_ < 2) {
       return false;
     }
-    bytes[used++] = static_cast<unsigned char>(value >> 8);
-    bytes[used++] = static_cast<unsigned char>(value & 0xFF);
+    bytes_[used_++] = static_cast<unsigned char>(value >> 8);
+    bytes_[used_++] = static_cast<unsigned char>(value & 0xFF);
+    return true;
+  }
+
+  bool addGap() {
+    if (gap_) {
+      return false;
+    }
+    gap_ = used_;
     return true;
   }
 
   bool addQuad(const char* text) {
-    if (sizeof bytes - used < kIp4Bytes || zot_inet_pton4(text, bytes + used) == 0) {
+    if (sizeof bytes_ - used_ < kIp4Size || zot_inet_pton4(text, bytes_ + used_) == 0) {
       return false;
     }
-    used += kIp4Bytes;
+    used_ += kIp4Size;
     return true;
   }
 
   // Moves what stands behind the gap to the end.  With all 16 bytes in use each
   // byte lands on itself and is then cleared; callers rely on that result.
   void stretchGap(size_t gap) {
-    const size_t behind = used - gap;
+    const size_t behind = used_ - gap;
     for (size_t i = 1; i <= behind; ++i) {
-      bytes[sizeof bytes - i] = bytes[used - i];
-      bytes[used - i] = 0;
+      bytes_[sizeof bytes_ - i] = bytes_[used_ - i];
+      bytes_[used_ - i] = 0;
     }
   }
 
-  unsigned char bytes[kIp6Bytes] = {};
-  size_t used = 0;
+  unsigned char bytes_[kIp6Size] = {};
+  size_t used_ = 0;
+  std::optional<size_t> gap_;
 };
 
 using Words = std::array<unsigned int, kIp6Words>;
@@ -100,7 +160,7 @@ Words wordsOf(const unsigned char* src) {
 
 // Writes four numbers of at most three digits and returns the end; no terminator.
 char* putQuad(const unsigned char* src, char* at) {
-  for (size_t i = 0; i < kIp4Bytes; ++i) {
+  for (size_t i = 0; i < kIp4Size; ++i) {
     if (i != 0) {
       *at++ = '.';
     }
@@ -115,34 +175,28 @@ int zot_inet_pton4(const char* text, unsigned char* dst) {
   if (text == nullptr) {
     return 0;
   }
-  unsigned char scratch[kIp4Bytes] = {};
-  size_t parts = 0;
-  bool inNumber = false;
-  for (; *text != '\0'; ++text) {
-    if (*text == '.') {
-      if (!inNumber || parts == kIp4Bytes) {
+  unsigned char bytes[kIp4Size];
+  for (size_t part = 0; part < kIp4Size; ++part) {
+    if (part != 0 && *text++ != '.') {
+      return 0;
+    }
+    unsigned int digit = decimalDigit(*text);
+    if (digit > 9) {
+      return 0;
+    }
+    unsigned int number = 0;
+    for (; digit <= 9; digit = decimalDigit(*++text)) {
+      number = number * 10 + digit;
+      if (number > 255) {
         return 0;
       }
-      inNumber = false;
-      continue;
     }
-    if (*text < '0' || *text > '9' || (!inNumber && parts == kIp4Bytes)) {
-      return 0;
-    }
-    if (!inNumber) {
-      ++parts;
-      inNumber = true;
-    }
-    const int value = scratch[parts - 1] * 10 + (*text - '0');
-    if (value > 255) {
-      return 0;
-    }
-    scratch[parts - 1] = static_cast<unsigned char>(value);
+    bytes[part] = static_cast<unsigned char>(number);
   }
-  if (parts < kIp4Bytes) {
+  if (*text != '\0') {
     return 0;
   }
-  std::memcpy(dst, scratch, sizeof scratch);
+  std::memcpy(dst, bytes, sizeof bytes);
   return 1;
 }
 
@@ -150,50 +204,11 @@ int zot_inet_pton6(const char* text, unsigned char* dst) {
   if (text == nullptr || (text[0] == ':' && text[1] != ':')) {
     return 0;
   }
-  if (text[0] == ':') {
-    ++text;
-  }
   Ip6Scratch scratch;
-  std::optional<size_t> gap;
-  unsigned int group = 0;
-  bool inGroup = false;
-  const char* token = text;
-  for (; *text != '\0'; ++text) {
-    if (const auto digit = hexDigit(*text)) {
-      group = group * 16 + *digit;
-      inGroup = true;
-      if (group > 0xFFFF) {
-        return 0;
-      }
-    } else if (*text == ':') {
-      token = text + 1;
-      if (inGroup ? !scratch.addGroup(group) : gap.has_value()) {
-        return 0;
-      }
-      if (!inGroup) {
-        gap = scratch.used;
-      }
-      group = 0;
-      inGroup = false;
-    } else if (*text == '.') {
-      if (!scratch.addQuad(token)) {
-        return 0;
-      }
-      inGroup = false;  // these digits were the first number of the quad
-      break;
-    } else {
-      return 0;
-    }
-  }
-  if (inGroup && !scratch.addGroup(group)) {
+  if (!scratch.readGroups(text[0] == ':' ? text + 1 : text) || !scratch.finish()) {
     return 0;
   }
-  if (gap) {
-    scratch.stretchGap(*gap);
-  } else if (scratch.used != sizeof scratch.bytes) {
-    return 0;
-  }
-  std::memcpy(dst, scratch.bytes, sizeof scratch.bytes);
+  std::memcpy(dst, scratch.bytes(), kIp6Size);
   return 1;
 }
 

@@ -4,12 +4,11 @@
 #include <cstring>
 #include <optional>
 
+#include "ipaddr/AddressSizesInternal.h"
 #include "ipaddr/ZotIpAddr.h"
 #include "mif/MifRecord.h"
 
 namespace {
-
-constexpr size_t kMaxAddressSize = 16;
 
 std::optional<MifRecord> find(const unsigned char* buf, uint32_t len, unsigned short oid,
                               uint32_t occurrence) {
@@ -23,7 +22,7 @@ bool hasBytes(const MifRecord& record, uint32_t len, uint32_t count) {
 
 // An address value as the setters of ZotIpAddr take it; bytes beyond the buffer are 0.
 struct AddressValue {
-  unsigned char bytes[kMaxAddressSize];
+  unsigned char bytes[kIp6Size];
   unsigned int length;
 };
 

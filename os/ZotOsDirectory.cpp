@@ -24,8 +24,8 @@ bool isSeparator(char character) {
 enum class Component { Failed, ReadOnly, Writable };
 
 Component makeComponent(const char* prefix) {
-  // Asked again with what a new one will allow, so that one which another process
-  // has made in the meantime is not created a second time.
+  // A second look before creating: another process may have made the directory since
+  // the first one, and mkdir() would fail on it.
   if (access(prefix, X_OK) != 0 && access(prefix, W_OK | X_OK) != 0) {
     return mkdir(prefix, kOwnerOnly) == 0 ? Component::Writable : Component::Failed;
   }

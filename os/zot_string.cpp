@@ -5,13 +5,16 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 
 namespace {
 
-// Room behind the characters that stand in dst, the terminator's byte included;
-// -1 when dst holds more than size characters, or has a size of 0 and is not read.
-int64_t roomBehind(const char* dst, unsigned int size) {
-  return size == 0 ? -1 : int64_t{size} - static_cast<int64_t>(std::strlen(dst));
+// Room behind the characters that stand in dst, the terminator's byte included; 0
+// leaves dst shortened by one.  Nothing when dst holds more than size characters, or
+// has a size of 0 and is not read.
+std::optional<size_t> roomBehind(const char* dst, unsigned int size) {
+  const size_t used = size != 0 ? std::strlen(dst) : 0;
+  return size == 0 || used > size ? std::nullopt : std::optional<size_t>(size - used);
 }
 
 // Fills the end of dst with the first count bytes of a src that is too long for
@@ -37,33 +40,31 @@ char* strcat_zot(char* dst, unsigned int size, const char* src) {
   if (dst == nullptr || src == nullptr) {
     return nullptr;
   }
-  const int64_t behind = roomBehind(dst, size);
-  if (behind < 0) {
+  const auto room = roomBehind(dst, size);
+  if (!room) {
     return dst;
   }
-  const auto room = static_cast<size_t>(behind);
-  const size_t add = strnlen(src, room);
-  if (add < room) {
-    std::memcpy(dst + (size - room), src, add + 1);
+  const size_t add = strnlen(src, *room);
+  if (add < *room) {
+    std::memcpy(dst + (size - *room), src, add + 1);
     return dst;
   }
-  return appendCut(dst, size, room, src, room);
+  return appendCut(dst, size, *room, src, *room);
 }
 
 char* strncat_zot(char* dst, unsigned int size, const char* src, unsigned int n) {
   if (dst == nullptr || src == nullptr) {
     return nullptr;
   }
-  const int64_t behind = roomBehind(dst, size);
-  if (n == 0 || behind < 0) {
+  const auto room = roomBehind(dst, size);
+  if (n == 0 || !room) {
     return dst;
   }
-  const auto room = static_cast<size_t>(behind);
-  if (strnlen(src, room) < room) {
-    std::strncpy(dst + (size - room), src, n);
+  if (strnlen(src, *room) < *room) {
+    std::strncpy(dst + (size - *room), src, n);
     return dst;
   }
-  return appendCut(dst, size, room, src, std::min<size_t>(n, room));
+  return appendCut(dst, size, *room, src, std::min<size_t>(n, *room));
 }
 
 unsigned int strcpy_zot(char* dst, unsigned int size, const char* src) {
