@@ -1,13 +1,19 @@
 #include "os/ZotOsFile.h"
 
+#include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <new>
+#include <utility>
 
+#include "os/CancellationOff.h"
+#include "os/ZotOsFileInternal.h"
 #include "os/zot_string.h"
 
 namespace {
@@ -32,47 +38,100 @@ Component makeComponent(const char* prefix) {
   return access(prefix, W_OK) == 0 ? Component::Writable : Component::ReadOnly;
 }
 
+// The directories that one deletion has entered, each with the length of the path that
+// led there.
+using Entered = std::map<std::pair<dev_t, ino_t>, size_t>;
+
+uint32_t deleteTree(const char* path, Entered& entered);
+
+// Notes a directory and returns its place.  Returns the end for one that is not to be
+// entered: links lead to a directory time and again, or in a circle, and only a shorter
+// path than before reaches entries whose own path was too long.
+Entered::iterator enter(int directory, size_t pathLength, Entered& entered) try {
+  struct stat status;
+  if (fstat(directory, &status) != 0) {
+    return entered.end();
+  }
+  const auto [place, isNew] = entered.try_emplace({status.st_dev, status.st_ino}, pathLength);
+  if (!isNew && place->second <= pathLength) {
+    return entered.end();
+  }
+  place->second = pathLength;
+  return place;
+} catch (const std::bad_alloc&) {
+  return entered.end();
+}
+
 // What is in work while one directory of a tree is emptied.
 struct TreeLevel {
   ZotOsFindData find;
-  char name[ZOT_OS_FIND_TEXT];
   char entry[kTreeText];
 };
 
-void deleteEntry(TreeLevel& level, const char* path, uint32_t type) {
-  const int length = sprintf_zot(level.entry, sizeof level.entry, "%s/%s", path, level.name);
-  // A cut path is the name of something else.
-  if (length < 0 || static_cast<size_t>(length) >= sizeof level.entry) {
-    return;
-  }
-  if (type == ZOT_OS_FIND_FILE) {
-    unlink(level.entry);
-  } else {
-    ZotOsDeleteDirTree(level.entry);
-  }
+// Whether the directory itself tells that an entry is neither a directory nor a link.
+bool isPlainFile(const dirent& entry) {
+  return entry.d_type != DT_UNKNOWN && entry.d_type != DT_DIR && entry.d_type != DT_LNK;
 }
 
-void deleteEntries(const char* path) {
+// Returns false for an entry that cannot be examined.
+bool deleteEntry(TreeLevel& level, const char* path, const dirent& entry, Entered& entered) {
+  const int directory = dirfd(level.find.dir);
+  struct stat status;
+  const bool plain = isPlainFile(entry);
+  if (!plain && fstatat(directory, entry.d_name, &status, 0) != 0) {
+    return false;
+  }
+  const int length = sprintf_zot(level.entry, sizeof level.entry, "%s/%s", path, entry.d_name);
+  // A cut path is the name of something else.
+  if (length < 0 || static_cast<size_t>(length) >= sizeof level.entry) {
+    return true;
+  }
+  if (!plain && S_ISDIR(status.st_mode)) {
+    deleteTree(level.entry, entered);
+    return true;
+  }
+  return unlinkat(directory, entry.d_name, 0) == 0 || !plain ||
+         fstatat(directory, entry.d_name, &status, 0) == 0;
+}
+
+// Returns the directory's place, the end when it was not entered.
+Entered::iterator deleteEntries(const char* path, Entered& entered) {
   // On the heap, because a worker thread's stack is smaller than the levels
   // that a path can name.
   const std::unique_ptr<TreeLevel> level(new (std::nothrow) TreeLevel);
   if (level == nullptr) {
-    return;
+    return entered.end();
   }
-  // A path that cuts more off the pattern than its end is too long for any entry.
+  // A path so long that it is cut here leads to another directory, but then no entry's
+  // path fits either: that directory is read, and nothing in it is deleted.
   sprintf_zot(level->entry, sizeof level->entry, "%s/*.*", path);
-  uint32_t type = 0;
-  uint32_t found = ZotOsFindFirst(&level->find, level->entry, level->name, &type, nullptr, nullptr);
-  while (found != 0) {
-    deleteEntry(*level, path, type);
-    found = ZotOsFindNext(&level->find, level->name, &type, nullptr, nullptr);
+  if (!openSearch(level->find, level->entry)) {
+    return entered.end();
+  }
+  const auto place = enter(dirfd(level->find.dir), std::strlen(path), entered);
+  if (place != entered.end()) {
+    const dirent* entry;
+    do {
+      entry = readMatch(level->find);
+    } while (entry != nullptr && deleteEntry(*level, path, *entry, entered));
   }
   ZotOsFindClose(&level->find);
+  return place;
+}
+
+uint32_t deleteTree(const char* path, Entered& entered) {
+  const auto place = deleteEntries(path, entered);
+  const uint32_t gone = ZotOsDeleteDir(path);
+  if (gone != 0 && place != entered.end()) {
+    entered.erase(place);  // its number may soon be another directory's
+  }
+  return gone;
 }
 
 }  // namespace
 
 uint32_t ZotOsChkAndCreateDir(const char* path) {
+  const CancellationOff uncancelled;
   if (ZotOsFileExists(path) != 0) {
     return 1;
   }
@@ -98,6 +157,7 @@ uint32_t ZotOsChkAndCreateDir(const char* path) {
 }
 
 uint32_t ZotOsDeleteDirTree(const char* path) {
-  deleteEntries(path);
-  return ZotOsDeleteDir(path);
+  const CancellationOff uncancelled;
+  Entered entered;
+  return deleteTree(path, entered);
 }

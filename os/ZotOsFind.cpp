@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "log/LogLineInternal.h"
+#include "os/CancellationOff.h"
 #include "os/ZotOsFileInternal.h"
 #include "os/zot_string.h"
 
@@ -24,18 +25,6 @@ bool matches(std::string_view name, std::string_view pattern) {
   // The length keeps prefix and suffix from sharing characters.
   return name.size() >= pattern.size() - 1 && name.starts_with(pattern.substr(0, star)) &&
          name.ends_with(pattern.substr(star + 1));
-}
-
-// Reads on to the next entry that matches; false at the end of the directory.
-bool readMatch(const ZotOsFindData& find, char* name) {
-  while (const dirent* entry = readdir(find.dir)) {
-    ZOT_LINE(ZOT_LOG_TRACE, "TRACE FindNext: file = %s ; search file = %s", entry->d_name, find.pattern);
-    if (matches(entry->d_name, find.pattern)) {
-      strcpy_zot(name, ZOT_OS_FIND_TEXT, entry->d_name);
-      return true;
-    }
-  }
-  return false;
 }
 
 // Fills path and pattern; false when the text has no star and names nothing.
@@ -72,20 +61,40 @@ void vSplitFileName(const char* path, char* dir, char* name) {
   }
 }
 
+bool openSearch(ZotOsFindData& find, const char* text) {
+  find.dir = nullptr;
+  if (!splitSearch(text, find)) {
+    return false;
+  }
+  ZOT_LINE(ZOT_LOG_TRACE, "TRACE FindFirst: splitted input - path=%s, file=%s", find.path, find.pattern);
+  find.dir = opendir(find.path);
+  if (find.dir == nullptr) {
+    const int error = errno;
+    ZOT_LINE(ZOT_LOG_ERROR, "ERROR FindFirst: opendir failed: %d=%s", error, std::strerror(error));
+  }
+  return find.dir != nullptr;
+}
+
+const dirent* readMatch(const ZotOsFindData& find) {
+  const dirent* entry;
+  do {
+    entry = readdir(find.dir);
+    if (entry == nullptr) {
+      break;
+    }
+    ZOT_LINE(ZOT_LOG_TRACE, "TRACE FindNext: file = %s ; search file = %s", entry->d_name, find.pattern);
+  } while (!matches(entry->d_name, find.pattern));
+  return entry;
+}
+
 uint32_t ZotOsFindFirst(ZotOsFindData* find, const char* pattern, char* name, uint32_t* type, uint32_t* mtime,
                         uint32_t* size) {
   if (find == nullptr) {
     return 0;
   }
+  const CancellationOff uncancelled;
   find->dir = nullptr;
-  if (pattern == nullptr || name == nullptr || !splitSearch(pattern, *find)) {
-    return 0;
-  }
-  ZOT_LINE(ZOT_LOG_TRACE, "TRACE FindFirst: splitted input - path=%s, file=%s", find->path, find->pattern);
-  find->dir = opendir(find->path);
-  if (find->dir == nullptr) {
-    const int error = errno;
-    ZOT_LINE(ZOT_LOG_ERROR, "ERROR FindFirst: opendir failed: %d=%s", error, std::strerror(error));
+  if (pattern == nullptr || name == nullptr || !openSearch(*find, pattern)) {
     return 0;
   }
   if (ZotOsFindNext(find, name, type, mtime, size) != 0) {
@@ -102,10 +111,13 @@ uint32_t ZotOsFindNext(ZotOsFindData* find, char* name, uint32_t* type, uint32_t
   if (find == nullptr || name == nullptr || find->dir == nullptr) {
     return 0;
   }
+  const CancellationOff uncancelled;
   name[0] = '\0';
-  if (!readMatch(*find, name)) {
+  const dirent* const entry = readMatch(*find);
+  if (entry == nullptr) {
     return 0;
   }
+  strcpy_zot(name, ZOT_OS_FIND_TEXT, entry->d_name);
   char path[ZOT_OS_FIND_TEXT];
   sprintf_zot(path, sizeof path, "%s/%s", find->path, name);
   struct stat status;
@@ -128,6 +140,7 @@ uint32_t ZotOsFindClose(ZotOsFindData* find) {
   if (find == nullptr || find->dir == nullptr) {
     return 1;
   }
+  const CancellationOff uncancelled;
   if (closedir(find->dir) != 0) {
     return 0;
   }

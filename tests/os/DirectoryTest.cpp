@@ -10,6 +10,7 @@
 namespace {
 
 using namespace zot_test;
+using namespace std::string_literals;
 
 bool exists(const std::string& path) {
   return std::filesystem::exists(std::filesystem::symlink_status(path));
@@ -88,6 +89,26 @@ TEST_F(DeleteTree, EntersALinkToADirectoryAndKeepsTheLink) {
   EXPECT_EQ(ENOTEMPTY, errno);
   EXPECT_FALSE(exists("outside/file"));
   EXPECT_TRUE(exists("outside") && exists("tree/link"));
+}
+
+TEST_F(DeleteTree, EndsWhereLinksLeadInCircles) {
+  std::filesystem::create_directories("tree");
+  for (const std::string name : {"a", "b"}) {
+    std::filesystem::create_symlink(".", "tree/to-itself-" + name);
+  }
+  for (char from = 'a'; from < 'n'; ++from) {
+    const std::string room = "tree/"s + from;
+    std::filesystem::create_directories(room);
+    for (char to = 'a'; to < 'n'; ++to) {
+      std::filesystem::create_symlink("../"s + to, room + "/" + to);
+    }
+    writeFile(room + "/file", "");
+  }
+  // In a child, which is killed when it goes on and on.
+  EXPECT_EQ(0, runInChild([] { return static_cast<int>(ZotOsDeleteDirTree("tree")); })) << "the links remain";
+  for (char room = 'a'; room < 'n'; ++room) {
+    EXPECT_FALSE(exists("tree/"s + room + "/file"));
+  }
 }
 
 TEST_F(DeleteTree, LeavesWhatHasNoNameWithin255Characters) {
