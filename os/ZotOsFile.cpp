@@ -9,12 +9,14 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "os/CancellationOff.h"
 #include "os/FileDescriptor.h"
 #include "os/MallocedInternal.h"
 
 namespace {
 
 constexpr mode_t kPermissionBits = 07777;
+constexpr mode_t kUserBits = 0777;  // all but the set-id bits and the sticky one
 constexpr size_t kBlockSizeUnknown = 512;
 
 uint32_t succeeded(int result) {
@@ -54,9 +56,17 @@ bool copyBytes(int from, int to, char* buffer, size_t size) {
   }
 }
 
+// Takes from a file that existed what the source does not grant, so that nobody opens it
+// or runs it under another id while it fills, or when that fails.
+bool narrow(int to, const struct stat& destination, const struct stat& source) {
+  const mode_t has = destination.st_mode & kPermissionBits;
+  const mode_t keeps = has & source.st_mode & kUserBits;
+  return !S_ISREG(destination.st_mode) || has == keeps || fchmod(to, keeps) == 0;
+}
+
 bool fillCopy(int from, const struct stat& source, int to) {
   struct stat destination;
-  if (fstat(to, &destination) != 0) {
+  if (fstat(to, &destination) != 0 || !narrow(to, destination, source)) {
     return false;
   }
   const size_t size =
@@ -72,7 +82,7 @@ bool fillCopy(int from, const struct stat& source, int to) {
 }
 
 bool copyTo(const char* path, int from, const struct stat& source) {
-  FileDescriptor to(open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, source.st_mode & kPermissionBits));
+  FileDescriptor to(open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, source.st_mode & kUserBits));
   if (!to.isOpen() || !fillCopy(from, source, to.get()) || !to.close()) {
     return false;
   }
@@ -100,6 +110,7 @@ uint32_t ZotOsSetFileTime(const char* path, uint32_t seconds) {
 }
 
 uint32_t ZotOsCopyFile(const char* source, const char* destination, uint32_t failIfExists) {
+  const CancellationOff uncancelled;
   if (failIfExists != 0 && ZotOsFileExists(destination) != 0) {
     return 0;
   }

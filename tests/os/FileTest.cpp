@@ -95,6 +95,22 @@ TEST_F(File, CopyKeepsBytesModeOwnerAndTimes) {
   umask(before);
 }
 
+TEST_F(File, CopyThatFailsLeavesNoBitsBeyondThoseOfTheSource) {
+  chmod("source", 06750);
+  writeFile("existing", "open to everybody");
+  for (const char* destination : {"new", "existing"}) {
+    chmod(destination, 06646);
+    script.write = {-100, ENOSPC};
+    EXPECT_EQ(0u, ZotOsCopyFile("source", destination, 0));
+    EXPECT_EQ(100, statusOf(destination).st_size);
+    EXPECT_EQ(0u, statusOf(destination).st_mode & 07777u & ~0750u) << destination;
+  }
+  script.fchmod = {EPERM};
+  chmod("existing", 0666);
+  EXPECT_EQ(0u, ZotOsCopyFile("source", "existing", 0));
+  EXPECT_EQ(0, statusOf("existing").st_size) << "bytes for those who must not read them";
+}
+
 TEST_F(File, CopyRefusesWhatItMustNotOrCannotOpen) {
   writeFile("existing", "kept");
   EXPECT_EQ(0u, ZotOsCopyFile("source", "existing", 1));
