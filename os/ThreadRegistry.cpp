@@ -4,42 +4,26 @@
 #include <memory>
 #include <new>
 
-// Takes a thread off its registry when the thread's own variables are destroyed.  That
-// happens on return, pthread_exit and cancellation alike, even below a C worker that
-// was compiled without the tables for unwinding.
-class ThreadRegistry::Membership {
- public:
-  ~Membership() {
-    if (registry_ != nullptr) {
-      registry_->leave(handle_);
-    }
-  }
-  void enter(ThreadRegistry* registry, uint32_t handle) {
-    registry_ = registry;
-    handle_ = handle;
-  }
-
- private:
-  ThreadRegistry* registry_ = nullptr;
-  uint32_t handle_ = 0;
-};
-
 struct ThreadRegistry::Start {
-  ThreadRegistry* registry;
   ZotOsThreadRoutine routine;
   void* arg;
   uint32_t handle;
 };
 
-thread_local ThreadRegistry::Membership ThreadRegistry::membership_;
-
 ThreadRegistry& ThreadRegistry::instance() {
   alignas(ThreadRegistry) static unsigned char storage[sizeof(ThreadRegistry)];
   static ThreadRegistry& registry = []() -> ThreadRegistry& {
+    auto* const made = new (storage) ThreadRegistry;
+    // The key's value, a thread's handle, is destroyed on return, pthread_exit and
+    // cancellation alike, even below a C worker that was compiled without the tables for
+    // unwinding.  A thread_local would ask for memory that may not be there.
+    made->keyError_ = pthread_key_create(&made->key_, [](void* handle) {
+      instance().leave(static_cast<uint32_t>(reinterpret_cast<uintptr_t>(handle)));
+    });
     // Of the parent's threads a forked child has only the one that forked.
     pthread_atfork([] { instance().mutex_.lock(); }, [] { instance().mutex_.unlock(); },
                    [] { instance().keepOnlyCaller(); });
-    return *new (storage) ThreadRegistry;
+    return *made;
   }();
   return registry;
 }
@@ -47,19 +31,21 @@ ThreadRegistry& ThreadRegistry::instance() {
 int ThreadRegistry::start(const pthread_attr_t& attributes, ZotOsThreadRoutine routine, void* arg,
                           uint32_t* handle) try {
   *handle = 0;
-  auto start = std::make_unique<Start>(Start{this, routine, arg, 0});
-  // Held until the new thread's identifier is in place: one that ends at once waits
-  // here before it leaves.
-  const std::lock_guard lock(mutex_);
-  const auto entry = threads_.try_emplace(unusedHandle()).first;
-  lastHandle_ = *handle = start->handle = entry->first;
-  const int error = pthread_create(&entry->second, &attributes, run, start.get());
+  if (keyError_ != 0) {
+    return keyError_;
+  }
+  auto start = std::make_unique<Start>(Start{routine, arg, 0});
+  const uint32_t mine = start->handle = enter();
+  *handle = mine;
+  pthread_t thread;
+  const int error = pthread_create(&thread, &attributes, run, start.get());
   if (error != 0) {
-    threads_.erase(entry);
+    leave(mine);
     *handle = 0;
     return error;
   }
   (void)start.release();  // the thread's own now
+  identify(mine, thread);
   return 0;
 } catch (const std::bad_alloc&) {
   return ENOMEM;
@@ -68,7 +54,7 @@ int ThreadRegistry::start(const pthread_attr_t& attributes, ZotOsThreadRoutine r
 int ThreadRegistry::cancel(uint32_t handle) {
   const std::lock_guard lock(mutex_);
   const auto entry = threads_.find(handle);
-  return entry == threads_.end() ? ESRCH : pthread_cancel(entry->second);
+  return entry == threads_.end() || !entry->second ? ESRCH : pthread_cancel(*entry->second);
 }
 
 size_t ThreadRegistry::size() {
@@ -84,7 +70,12 @@ void ThreadRegistry::continueAfter(uint32_t lastHandle) {
 void* ThreadRegistry::run(void* argument) {
   // Freed before the routine starts, which may never come back here.
   const Start start = *std::unique_ptr<Start>(static_cast<Start*>(argument));
-  membership_.enter(start.registry, start.handle);
+  ThreadRegistry& registry = instance();
+  // Its creator does the same, but perhaps not before the routine uses the handle.
+  registry.identify(start.handle, pthread_self());
+  if (pthread_setspecific(registry.key_, reinterpret_cast<void*>(uintptr_t{start.handle})) != 0) {
+    registry.leave(start.handle);  // cancelling it is refused, rather than done to a stranger later
+  }
   void* const result = start.routine(start.arg);
   // A worker that allows cancellation at any moment must not lose it inside leave().
   int before = 0;
@@ -100,12 +91,28 @@ uint32_t ThreadRegistry::unusedHandle() const {
   return handle;
 }
 
+uint32_t ThreadRegistry::enter() {
+  const std::lock_guard lock(mutex_);
+  lastHandle_ = unusedHandle();
+  threads_.try_emplace(lastHandle_);
+  return lastHandle_;
+}
+
+void ThreadRegistry::identify(uint32_t handle, pthread_t thread) {
+  const std::lock_guard lock(mutex_);
+  if (const auto entry = threads_.find(handle); entry != threads_.end()) {
+    entry->second = thread;
+  }
+}
+
 void ThreadRegistry::leave(uint32_t handle) {
   const std::lock_guard lock(mutex_);
   threads_.erase(handle);
 }
 
 void ThreadRegistry::keepOnlyCaller() {
-  std::erase_if(threads_, [](const auto& entry) { return pthread_equal(entry.second, pthread_self()) == 0; });
+  std::erase_if(threads_, [](const auto& entry) {
+    return !entry.second || pthread_equal(*entry.second, pthread_self()) == 0;
+  });
   mutex_.unlock();
 }

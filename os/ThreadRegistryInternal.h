@@ -1,8 +1,9 @@
 // The live threads behind the 32-bit handles that callers hold.
 //
 // A thread is registered before its handle is given out and leaves while its
-// pthread_t is still valid, however it ends.  Everything that uses a pthread_t does
-// so under the registry's lock, so a handle of the past meets no stranger.
+// pthread_t is still valid, however it ends.  Everything that uses a registered
+// pthread_t does so under the registry's lock, so a handle of the past meets no stranger.
+// The lock is held for moments only, never while a thread is made.
 #ifndef ZOT_THREAD_REGISTRY_INTERNAL_H
 #define ZOT_THREAD_REGISTRY_INTERNAL_H
 
@@ -12,6 +13,7 @@
 #include <cstdint>
 #include <map>
 #include <mutex>
+#include <optional>
 
 #include "os/ZotOsThread.h"
 
@@ -37,19 +39,21 @@ class ThreadRegistry {
   void continueAfter(uint32_t lastHandle);
 
  private:
-  class Membership;
   struct Start;
 
   static void* run(void* start);
-  static thread_local Membership membership_;
 
   uint32_t unusedHandle() const;
+  uint32_t enter();
+  void identify(uint32_t handle, pthread_t thread);
   void leave(uint32_t handle);
   void keepOnlyCaller();
 
   std::mutex mutex_;
-  std::map<uint32_t, pthread_t> threads_;
+  std::map<uint32_t, std::optional<pthread_t>> threads_;  // not known while one is being made
   uint32_t lastHandle_ = 0;
+  pthread_key_t key_{};
+  int keyError_ = 0;
 };
 
 #endif
