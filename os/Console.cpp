@@ -4,30 +4,57 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <utility>
 
 #include "os/ZotOsSystem.h"
 
 namespace {
 
-// Takes one key, as int, while the terminal hands over keys one by one.
+// While it lives, the terminal hands over keys one by one.  A thread that is cancelled
+// as it waits for one also puts the terminal back.
+class SingleKeys {
+ public:
+  explicit SingleKeys(int32_t echo) {
+    if (tcgetattr(STDIN_FILENO, &saved_) != 0) {
+      return;
+    }
+    termios single = saved_;
+    single.c_lflag &= ~static_cast<tcflag_t>(ICANON);
+    if (echo == 0) {
+      single.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    }
+    single.c_cc[VMIN] = 1;
+    single.c_cc[VTIME] = 0;
+    on_ = tcsetattr(STDIN_FILENO, TCSANOW, &single) == 0;
+  }
+  ~SingleKeys() { end(); }
+  SingleKeys(const SingleKeys&) = delete;
+  SingleKeys& operator=(const SingleKeys&) = delete;
+
+  bool on() const { return on_; }
+  // Returns whether the terminal is as it was before.
+  bool end() { return !std::exchange(on_, false) || tcsetattr(STDIN_FILENO, TCSANOW, &saved_) == 0; }
+
+ private:
+  termios saved_{};
+  bool on_ = false;
+};
+
 template <typename Read>
 int32_t withSingleKeys(int32_t echo, Read read) {
-  termios saved{};
-  if (tcgetattr(STDIN_FILENO, &saved) != 0) {
-    return -1;
-  }
-  termios single = saved;
-  single.c_lflag &= ~static_cast<tcflag_t>(ICANON);
-  if (echo == 0) {
-    single.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-  }
-  single.c_cc[VMIN] = 1;
-  single.c_cc[VTIME] = 0;
-  if (tcsetattr(STDIN_FILENO, TCSANOW, &single) != 0) {
+  SingleKeys keys(echo);
+  if (!keys.on()) {
     return -1;
   }
   const int key = read();
-  return tcsetattr(STDIN_FILENO, TCSANOW, &saved) == 0 ? key : -1;
+  return keys.end() ? key : -1;
+}
+
+// Compilers think that getchar() cannot unwind and would leave out what must run when it
+// does; they cannot see through this pointer.
+int waitForKey() {
+  int (*volatile const read)() = std::getchar;
+  return read();
 }
 
 // The byte when one came, else what select() answered: 1 stands for a terminal
@@ -45,7 +72,7 @@ int pollKey() {
 }  // namespace
 
 int32_t ZotOsGetCh(int32_t echo) {
-  return withSingleKeys(echo, [] { return std::getchar(); });
+  return withSingleKeys(echo, waitForKey);
 }
 
 int32_t ZotOsGetChNoWait(int32_t echo) {

@@ -1,4 +1,6 @@
-// An open file descriptor that closes itself, leaving errno alone.
+// An open file descriptor that closes itself, leaving errno alone.  Closing is a
+// cancellation point and a destructor must not unwind: functions that hold one of these
+// put cancelling off.
 #ifndef ZOT_OS_FILE_DESCRIPTOR_H
 #define ZOT_OS_FILE_DESCRIPTOR_H
 

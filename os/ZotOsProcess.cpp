@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "log/LogLineInternal.h"
+#include "os/CancellationOff.h"
 #include "os/zot_string.h"
 
 namespace {
@@ -36,18 +37,21 @@ std::string searchList() {
 
 // Writes the path of the first program of this name to buffer, of kPathSize bytes.
 bool findProgram(std::string_view list, const std::string& name, char* buffer) {
-  for (bool last = false; !last;) {
-    const size_t length = std::min(list.find(':'), list.size());
-    last = length == list.size();
-    if (length + name.size() <= kPathSize) {
-      sprintf_zot(buffer, kPathSize, "%.*s/%s", static_cast<int>(length), list.data(), name.c_str());
+  for (;;) {
+    const size_t colon = list.find(':');
+    const std::string_view directory = list.substr(0, colon);
+    if (directory.size() + name.size() <= kPathSize) {
+      sprintf_zot(buffer, kPathSize, "%.*s/%s", static_cast<int>(directory.size()), directory.data(),
+                  name.c_str());
       if (isProgram(buffer)) {
         return true;
       }
     }
-    list.remove_prefix(last ? 0 : length + 1);
+    if (colon == list.npos) {
+      return false;
+    }
+    list.remove_prefix(colon + 1);
   }
-  return false;
 }
 
 // The arguments of a command line, null when it has none.  They are taken from behind as
@@ -105,6 +109,7 @@ const char* faultOf(const char* commandLine) {
 }  // namespace
 
 uint32_t ZotOsCreateProcessEx(const char* commandLine, int32_t flags, uint32_t* exitCode) {
+  const CancellationOff uncancelled;
   uint32_t code = kNotRun;
   if (const char* fault = faultOf(commandLine)) {
     ZOT_LINE_IDS(ZOT_LOG_ERROR, "ERROR ZotOsCreateProcess: command line (%s) is %s (pid=%u tid=%ld)",

@@ -10,6 +10,7 @@
 #include <ctime>
 
 #include "log/LogLineInternal.h"
+#include "os/CancellationOff.h"
 #include "os/ZotOsSystemInternal.h"
 
 unsigned char bOpenSslInit = 0;
@@ -74,6 +75,7 @@ int32_t ZotOsSleep(uint32_t milliseconds) {
 }
 
 uint32_t ZotOsCloseHdl(int32_t descriptor) {
+  const CancellationOff uncancelled;
   return close(descriptor) == 0 ? 1 : 0;
 }
 
@@ -81,6 +83,7 @@ void* ZotOsDlLoad(const char* path) {
   if (path == nullptr || *path == '\0') {
     return nullptr;
   }
+  const CancellationOff uncancelled;
   return dlopen(path, RTLD_LAZY);
 }
 
@@ -92,6 +95,7 @@ void* ZotOsDlGetAddr(void* library, const char* name) {
 }
 
 uint32_t ZotOsDlFree(void* library) {
+  const CancellationOff uncancelled;
   return library == nullptr || dlclose(library) == 0 ? 1 : 0;
 }
 

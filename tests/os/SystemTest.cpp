@@ -1,6 +1,7 @@
 #include "os/ZotOsSystem.h"
 
 #include <fcntl.h>
+#include <pthread.h>
 #include <pty.h>
 #include <sys/select.h>
 #include <termios.h>
@@ -138,6 +139,21 @@ TEST_F(Console, GivesOneKeyWithoutALine) {
     EXPECT_EQ(echo ? 1 : -1, read(keys, shown, sizeof shown));
     EXPECT_STREQ(echo ? "k" : "", shown);
   }
+}
+
+TEST_F(Console, IsPutBackWhenTheReaderIsCancelled) {
+  EXPECT_EQ(7, reader([] {
+                 pthread_t waiting;
+                 void* result = nullptr;
+                 const auto readCancelled = [](void*) -> void* {
+                   pthread_cancel(pthread_self());
+                   ZotOsGetCh(0);
+                   return nullptr;
+                 };
+                 pthread_create(&waiting, nullptr, readCancelled, nullptr);
+                 pthread_join(waiting, &result);
+                 return result == PTHREAD_CANCELED ? 7 : 1;
+               }).wait());
 }
 
 TEST_F(Console, IsPolledWithoutWaiting) {

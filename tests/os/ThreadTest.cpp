@@ -7,9 +7,13 @@
 #include <set>
 
 #include "os/ThreadRegistryInternal.h"
+#include "os/ZotOsFile.h"
+#include "os/ZotOsProcess.h"
+#include "os/ZotOsSystem.h"
 #include "support/CallScript.h"
 #include "support/Child.h"
 #include "support/LogFixture.h"
+#include "support/TemporaryDirectory.h"
 
 static zot_test::CallScript creations;  // each a code to return, or 0
 
@@ -19,6 +23,15 @@ extern "C" {
 ZOT_SCRIPTED(creations, int, pthread_create,
              (pthread_t * id, const pthread_attr_t* how, void* (*run)(void*), void* arg), (id, how, run, arg),
              entry)
+
+// Registers what is to run when the thread ends.  The C library ends the whole process
+// when it has no memory for that.
+static std::atomic<int> threadExits;
+int __real___cxa_thread_atexit(void (*run)(void*), void* object, void* library);
+int __wrap___cxa_thread_atexit(void (*run)(void*), void* object, void* library) {
+  ++threadExits;
+  return __real___cxa_thread_atexit(run, object, library);
+}
 
 }  // extern "C"
 
@@ -114,6 +127,39 @@ TEST_F(Thread, OfAThousandNoneIsLeftHoweverTheyEnd) {
   void* value = nullptr;
   pthread_join(joinable, &value);
   EXPECT_EQ(reinterpret_cast<void*>(1), value);
+}
+
+TEST_F(Thread, StartsWithoutMemoryOfItsOwn) {
+  threadExits = 0;
+  uint32_t handle = 0;
+  ASSERT_EQ(1u, ZotOsThreadBegin(&handle, returnAtOnce, 0, &ended));
+  ASSERT_TRUE(allGone());
+  EXPECT_EQ(0, threadExits);
+}
+
+class Cancelled : public TemporaryDirectory {};
+
+TEST_F(Cancelled, CallsThatChangeSomethingFinishFirst) {
+  writeFile("file", "x");
+  const std::pair<const char*, std::function<uint32_t()>> calls[] = {
+      {"copy", [] { return ZotOsCopyFile("file", "copy", 0); }},
+      {"start", [] { return ZotOsCreateProcess("true"); }},
+      {"close", [] { return ZotOsCloseHdl(dup(STDIN_FILENO)); }}};
+  for (const auto& [name, call] : calls) {
+    static uint32_t result;
+    result = 77;
+    const auto run = [](void* body) -> void* {
+      pthread_cancel(pthread_self());
+      result = (*static_cast<const std::function<uint32_t()>*>(body))();
+      pthread_testcancel();
+      return nullptr;
+    };
+    pthread_t thread;
+    void* end = nullptr;
+    ASSERT_EQ(0, pthread_create(&thread, nullptr, run, const_cast<void*>(static_cast<const void*>(&call))));
+    pthread_join(thread, &end);
+    EXPECT_TRUE(result == 1 && end == PTHREAD_CANCELED) << name << " gave " << result;
+  }
 }
 
 TEST_F(Thread, HandlesSkipZeroAndTheLiving) {
