@@ -1,10 +1,12 @@
 // Files, directories, a one-star search, and the place of the running program.
 //
-// Paths are terminated texts with '/' as separator.  Results are 1 for success
+// Paths are terminated texts with '/' as the only separator, a '\' being a character like
+// any other, except where ZotOsChkAndCreateDir says so.  Results are 1 for success
 // and 0 for failure, and a failure leaves errno as the call that failed set it.
 // Times are seconds since the epoch and sizes are in bytes; of both, the low
 // 32 bits are given.  Nothing here keeps state between calls: threads may use
-// everything at the same time, each with search records of its own.
+// everything at the same time, each with search records of its own.  A thread is not
+// cancelled within a call.
 #ifndef ZOT_OS_FILE_H
 #define ZOT_OS_FILE_H
 
@@ -45,7 +47,9 @@ ZOT_EXPORT uint32_t ZotOsSetFileTime(const char* path, uint32_t seconds);
 // and the times of a file.  An existing destination is overwritten, or refused
 // with 0 when failIfExists is not 0.
 //
-// A failed copy leaves behind what it has written so far.  When there is no
+// A failed copy leaves behind what it has written so far.  Until the copy is complete,
+// the destination has at most the read, write and execute bits of the source and no set-id
+// bit; an existing file that cannot be narrowed to that gets no bytes.  When there is no
 // memory for the copy's buffer, the destination stays empty, keeps its owner, and
 // the result is 1; callers rely on that.  A file copied onto itself ends empty.
 ZOT_EXPORT uint32_t ZotOsCopyFile(const char* source, const char* destination, uint32_t failIfExists);
@@ -56,16 +60,20 @@ ZOT_EXPORT uint32_t ZotOsDeleteDir(const char* path);
 ZOT_EXPORT uint32_t ZotOsRenameFile(const char* oldPath, const char* newPath);
 
 // Makes a directory and, with mode 0700, each one above it that is missing.  Both
-// '/' and '\' end a component: "a\b" makes "a" and then "a\b" beside it.  The
-// path must have fewer than 500 characters.
+// '/' and '\' end a component: "a\b" makes "a" and then "a\b" beside it.  A separator at
+// the very beginning or end is a part of its component.
 //
-// Returns 1 for what exists already, a file or a read-only directory included;
-// callers rely on that.
+// Returns 1 for a path that exists already, a file or a read-only directory included;
+// callers rely on that.  Else returns 1 when the last component was made, or stands
+// and is writable.  Returns 0
+//   - as soon as a component cannot be made, with the errno of mkdir; those before it stay
+//   - when the last component stands and is not writable ("new/../readonly")
+//   - for an empty path, and for one of 500 characters and more (ENAMETOOLONG)
 ZOT_EXPORT uint32_t ZotOsChkAndCreateDir(const char* path);
 
 // Deletes a directory with everything in it, and what a link to a directory
-// leads to as well.  The path of every entry, formed below path, must have fewer than
-// 256 characters.
+// leads to as well, but no directory twice: links may lead in circles.  The path of every
+// entry, formed below path, must have fewer than 256 characters.
 //
 // Returns 0 when something is left: what could not be deleted, all that follows
 // an entry which cannot be examined (a link to nothing), and a directory that

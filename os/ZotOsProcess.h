@@ -6,7 +6,8 @@
 //
 // The interpreter parses what is run once more: quotes, variables and redirections in
 // the command line work, and a directory of PATH whose name holds blanks or quotes does
-// not.  Never pass text of a stranger.  Threads may run commands at the same time.
+// not.  Never pass text of a stranger.  Threads may run commands at the same time, and are
+// not cancelled before their command has ended.
 #ifndef ZOT_OS_PROCESS_H
 #define ZOT_OS_PROCESS_H
 

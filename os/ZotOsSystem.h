@@ -15,7 +15,8 @@
 extern "C" {
 #endif
 
-// 1 once the function of the same name below was called; only ever set.
+// What ZotOsIsOpenSslInitialized and ZotOsIsSslInitialized set: 0 before the first call, 1
+// from then on.  A 1 says that a caller has taken on the work, not that it is done.
 ZOT_EXPORT extern unsigned char bOpenSslInit, bSslInit;
 
 // Takes the time from which ZotOsGetUpTime counts; only the first call does.
@@ -27,8 +28,9 @@ ZOT_EXPORT void ZotOsSetSystemUp(void);
 ZOT_EXPORT void ZotOsSetShutdown(void);
 ZOT_EXPORT uint32_t ZotOsGetSystemUp(void);
 
-// Test-and-set, one flag each: 0 for the first caller, who then has to initialise
-// the library in question, and 1 for every later one.
+// Test-and-set, bOpenSslInit and bSslInit each on its own: 0 for the first caller, who then
+// has to initialise the library in question, and 1 for every later one.  Of threads
+// that call at the same moment, one gets the 0.
 ZOT_EXPORT int32_t ZotOsIsOpenSslInitialized(void);
 ZOT_EXPORT int32_t ZotOsIsSslInitialized(void);
 
@@ -46,7 +48,8 @@ ZOT_EXPORT uint32_t ZotOsGetUpTime(void);
 ZOT_EXPORT int32_t ZotOsSleep(uint32_t milliseconds);
 
 // Read one key from standard input without waiting for a line.  With echo 0 the
-// terminal does not show it.  The terminal's settings are put back afterwards.
+// terminal does not show it.  The terminal's settings are put back afterwards, also when
+// the thread is cancelled as it waits.
 //
 // ZotOsGetCh waits and returns the character or EOF.  ZotOsGetChNoWait waits 100
 // microseconds at most and returns the byte, 0 when none came, and 1 when the

@@ -2,7 +2,8 @@
 //
 // A thread is known by a 32-bit handle, never 0, that belongs to it alone while
 // it lives.  A thread ends by returning, by ZotOsThreadEnd or by being cancelled;
-// nobody joins it.  Cancelling and ZotOsThreadEnd unwind the thread's functions: a C++
+// nobody joins it.  It is cancelled in waits and sleeps, and within no other call of this
+// library.  Cancelling and ZotOsThreadEnd unwind the thread's functions: a C++
 // worker must have no noexcept on that path and no catch (...) that does not rethrow.
 //
 // A state word, 32 bits and owned by the caller, is shared with the worker:
@@ -31,8 +32,10 @@ typedef void (*ZotOsThreadWake)(uint32_t arg);
 // Runs start(arg), which must not be null, in a thread of its own.
 //
 //   thread     out: the new handle, stored before start runs; 0 on failure
-//   stackSize  in bytes; 0 means the system's default, at most 0x40000.  A size that
-//              the system refuses is ignored and leaves the thread the system's default.
+//   stackSize  in bytes.  0 means the default: what the system gives a new thread (the stack
+//              limit with which the process started, often 8 MiB), but at most 0x40000
+//              (256 KiB).  A size that the system refuses, as one below 16 KiB, is ignored:
+//              the thread has what the system gives, without that cap
 //
 // Returns 0 when thread is null or the system has no thread to give.
 ZOT_EXPORT uint32_t ZotOsThreadBegin(uint32_t* thread, ZotOsThreadRoutine start, uint32_t stackSize,
