@@ -41,6 +41,7 @@ enum Outcome : uint32_t {
   kConnected = 2,
   kRefused = 3,
   kNotStored = 4,
+  kRead = 5,  // the stored profile follows, if there is one
   kSending = 10,
   kNoService = 11,
   kNoAnswer = 12,

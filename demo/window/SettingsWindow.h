@@ -2,7 +2,10 @@
 #import "Controls.h"
 #import "Profile.h"
 
+#include <string>
+
 @class ProfileTab;
+@class ServiceCall;
 
 @interface SettingsWindow : NSObject <NSWindowDelegate> {
  @private
@@ -13,13 +16,23 @@
   NSTabView* tabView;
   NSPopUpButton* languages;
   NSTextField* status;
+  ServiceCall* call;
   int outcome;
+  BOOL touched;  // something was typed
 }
 
-- (id)initWithTexts:(Texts*)shownTexts language:(int)number;
+// socketPath is where the service listens.
+- (id)initWithTexts:(Texts*)shownTexts language:(int)number service:(const std::string&)socketPath;
 - (void)dealloc;
 
+// Shows the window with the stored profile, if the service has one.
+- (void)open;
+
+// Ends what is under way.  The window can't be used afterwards.
+- (void)close;
+
 - (NSWindow*)window;
+- (Profile*)profile;
 - (NSArray*)tabs;
 - (ProfileTab*)profileTab;
 - (void)selectTab:(NSUInteger)index;

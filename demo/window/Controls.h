@@ -5,7 +5,7 @@
 
 constexpr CGFloat kMargin = 20;
 constexpr CGFloat kGap = 8;
-constexpr CGFloat kFieldHeight = 24;
+constexpr CGFloat kFieldHeight = 22;
 constexpr CGFloat kSmallestButton = 96;
 
 // Counts from its top edge.

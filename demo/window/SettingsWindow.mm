@@ -5,6 +5,7 @@
 
 #import "Look.h"
 #import "ProfileTab.h"
+#import "ServiceCall.h"
 #import "Texts.h"
 
 namespace {
@@ -28,12 +29,13 @@ constexpr Language kLanguages[] = {{2, "English"},
 - (void)layOut;
 - (void)languageChosen:(id)sender;
 - (void)profileChanged;
+- (void)send:(Request)request;
 - (void)showOutcome:(int)number;
 @end
 
 @implementation SettingsWindow
 
-- (id)initWithTexts:(Texts*)shownTexts language:(int)number {
+- (id)initWithTexts:(Texts*)shownTexts language:(int)number service:(const std::string&)socketPath {
   self = [super init];
   if (self != nil) {
     texts = [shownTexts retain];
@@ -50,6 +52,7 @@ constexpr Language kLanguages[] = {{2, "English"},
                                                                                 changed:@selector(profileChanged)]
                                                        autorelease],
                                                    nil];
+    call = [[ServiceCall alloc] initWithSocket:socketPath owner:self done:@selector(answered)];
     [self addControls];
     [self showLanguage:number];
   }
@@ -59,14 +62,29 @@ constexpr Language kLanguages[] = {{2, "English"},
 - (void)dealloc {
   [window setDelegate:nil];
   [window release];
+  [call release];
   [tabs release];
   [profile release];
   [texts release];
   [super dealloc];
 }
 
+- (void)open {
+  [window makeKeyAndOrderFront:nil];
+  [call send:[profile messageFor:kRequestRead]];
+}
+
+- (void)close {
+  [call stop];
+  [window orderOut:nil];
+}
+
 - (NSWindow*)window {
   return window;
+}
+
+- (Profile*)profile {
+  return profile;
 }
 
 - (NSArray*)tabs {
@@ -102,7 +120,7 @@ constexpr Language kLanguages[] = {{2, "English"},
 }
 
 - (void)windowWillClose:(NSNotification*)note {
-  [NSApp terminate:self];
+  [NSApp stop:self];
 }
 
 @end
@@ -133,7 +151,7 @@ constexpr Language kLanguages[] = {{2, "English"},
 
   status = makeText(0);
   [content addSubview:status];
-  NSButton* cancel = makeButton(kCancel, NSApp, @selector(terminate:));
+  NSButton* cancel = makeButton(kCancel, NSApp, @selector(stop:));
   NSButton* apply = makeButton(kApply, self, @selector(applyChosen:));
   NSButton* connect = makeButton(kConnect, self, @selector(connectChosen:));
   [cancel setKeyEquivalent:@"\033"];
@@ -208,10 +226,50 @@ constexpr Language kLanguages[] = {{2, "English"},
 }
 
 - (void)profileChanged {
+  touched = YES;
+}
+
+- (void)applyChosen:(id)sender {
+  [self send:kRequestApply];
+}
+
+- (void)connectChosen:(id)sender {
+  [self send:kRequestConnect];
+}
+
+- (void)send:(Request)request {
+  if ([[self profileTab] tellFaults:0]) {
+    [self selectTab:0];
+    [self showOutcome:kFaultyFields];
+  } else if ([call send:[profile messageFor:request]]) {
+    [self showOutcome:kSending];
+  }
+}
+
+- (void)answered {
+  const Outcome came = [call outcome];
+  if (outcome != kSending) {
+    // Of the profile that was asked for when the window opened.
+    if (came == kRead && !touched) {
+      [profile takeMessage:[call answer]];
+      [[self profileTab] showProfile];
+    }
+    return;
+  }
+  if (came == kRefused) {
+    NSData* answer = [call answer];
+    const Bytes bytes(static_cast<const unsigned char*>([answer bytes]), [answer length]);
+    [self selectTab:0];
+    [[self profileTab] tellFaults:static_cast<unsigned short>(integerIn(bytes, kOidFaulty))];
+  }
+  [self showOutcome:came == kRead ? kNonsense : came];
 }
 
 - (void)showOutcome:(int)number {
   outcome = number;
+  NSView* content = [window contentView];
+  [[content viewWithTag:kApply] setEnabled:number != kSending];
+  [[content viewWithTag:kConnect] setEnabled:number != kSending];
   [status setTextColor:number == kApplied || number == kConnected || number == kSending ? hintColor() : faultColor()];
   [status setStringValue:number == 0 ? @"" : [texts textOf:kOutcomes sub:number]];
 }

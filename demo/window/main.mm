@@ -3,6 +3,7 @@
 //   demo [--directory DIR] [--language N] [--tab profile|records|log|system]
 //        [--screenshot FILE.png]
 //
+// DIR is where the service runs (default: demo-profile in the current directory).
 // Without --language the first of the user's preferred languages counts.  With
 // --screenshot the window's picture is written and the program ends.  Without a
 // display: xvfb-run -a demo ...
@@ -11,9 +12,11 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #import "Look.h"
+#include "OnlyWindow.h"
 #import "SettingsWindow.h"
 #import "Texts.h"
 #include "os/ZotOsFile.h"
@@ -21,6 +24,7 @@
 namespace {
 
 struct Options {
+  std::string directory = "demo-profile";
   int language = 0;
   NSUInteger tab = 0;
   const char* screenshot = nullptr;
@@ -29,7 +33,8 @@ struct Options {
 constexpr const char* kTabNames[] = {"profile", "records", "log", "system"};
 
 Options readOptions(int argc, char** argv) {
-  const option known[] = {{"language", required_argument, nullptr, 'l'},
+  const option known[] = {{"directory", required_argument, nullptr, 'd'},
+                          {"language", required_argument, nullptr, 'l'},
                           {"tab", required_argument, nullptr, 't'},
                           {"screenshot", required_argument, nullptr, 's'},
                           {}};
@@ -37,6 +42,9 @@ Options readOptions(int argc, char** argv) {
   opterr = 0;  // AppKit has options of its own, such as -AppleLanguages '(fr)'
   for (int found; (found = getopt_long_only(argc, argv, "", known, nullptr)) != -1;) {
     switch (found) {
+      case 'd':
+        options.directory = optarg;
+        break;
       case 'l':
         options.language = std::atoi(optarg);
         break;
@@ -74,19 +82,24 @@ bool writePicture(NSWindow* window, const char* path) {
   return [png writeToFile:[NSString stringWithUTF8String:path] atomically:NO];
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-  const Options options = readOptions(argc, argv);
-  registerLook(options.screenshot != nullptr);
-  [NSApplication sharedApplication];
-  installLook();
-
+int run(const Options& options) {
   Texts* texts = [[[Texts alloc] initWithDirectory:textDirectory()] autorelease];
-  SettingsWindow* settings = [[[SettingsWindow alloc] initWithTexts:texts language:options.language] autorelease];
+  [texts setLanguage:options.language];
+  std::error_code failure;
+  std::filesystem::create_directories(options.directory, failure);
+  const OnlyWindow only(options.directory);
+  if (!only.isMine()) {
+    std::fprintf(stderr, "demo: %s\n", [[texts textOf:kOutcomes sub:kSecondWindow] UTF8String]);
+    if (options.screenshot == nullptr) {
+      NSRunAlertPanel([texts textOf:kWindowTitle], @"%@", nil, nil, nil, [texts textOf:kOutcomes sub:kSecondWindow]);
+    }
+    return EXIT_FAILURE;
+  }
+  SettingsWindow* settings = [[[SettingsWindow alloc] initWithTexts:texts
+                                                           language:options.language
+                                                            service:options.directory + "/service.sock"] autorelease];
   [settings selectTab:options.tab];
-  [[settings window] makeKeyAndOrderFront:nil];
+  [settings open];
   int status = EXIT_SUCCESS;
   if (options.screenshot == nullptr) {
     [NSApp run];
@@ -96,6 +109,19 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "demo: cannot write %s\n", options.screenshot);
     status = EXIT_FAILURE;
   }
+  [settings close];
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+  const Options options = readOptions(argc, argv);
+  registerLook(options.screenshot != nullptr);
+  [NSApplication sharedApplication];
+  installLook();
+  const int status = run(options);
   [pool release];
   return status;
 }
