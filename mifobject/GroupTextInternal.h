@@ -13,44 +13,41 @@
 namespace zot {
 
 struct GroupForm {
-  NSUInteger count;      // groups of a text, bytes of a value
-  bool colonSeparates;   // as '.' does
-  bool hexadecimal;      // the numbers of a text that is read
-  bool lastGroupFirst;   // in the value
-  const char* printed;   // a byte as text
+  NSUInteger count;     // groups of a text, bytes of a value
+  bool colonSeparates;  // as '.' does
+  bool hexadecimal;     // the numbers of a text that is read
+  bool lastGroupFirst;  // in the value
+  const char* printed;  // a byte as text
   // The public selector that splits such a text: a subclass may have its own.
   BOOL (*split)(ZOTMifBuffer* buffer, NSString* text, NSMutableArray* numbers);
 };
 
-constexpr GroupForm kIpV4Form{
-    .count = 4,
-    .colonSeparates = false,
-    .hexadecimal = false,
-    .lastGroupFirst = true,
-    .printed = "%d",
-    .split = [](ZOTMifBuffer* buffer, NSString* text, NSMutableArray* numbers) {
-      return [buffer splitIpStr:text IntoNumbersArray:numbers];
-    }};
+constexpr GroupForm kIpV4Form{.count = 4,
+                              .colonSeparates = false,
+                              .hexadecimal = false,
+                              .lastGroupFirst = true,
+                              .printed = "%d",
+                              .split = [](ZOTMifBuffer* buffer, NSString* text, NSMutableArray* numbers) {
+                                return [buffer splitIpStr:text IntoNumbersArray:numbers];
+                              }};
 
-constexpr GroupForm kMacForm{
-    .count = 6,
-    .colonSeparates = true,
-    .hexadecimal = true,
-    .lastGroupFirst = false,
-    .printed = "%02X",
-    .split = [](ZOTMifBuffer* buffer, NSString* text, NSMutableArray* numbers) {
-      return [buffer splitMacStr:text IntoNumbersArray:numbers];
-    }};
+constexpr GroupForm kMacForm{.count = 6,
+                             .colonSeparates = true,
+                             .hexadecimal = true,
+                             .lastGroupFirst = false,
+                             .printed = "%02X",
+                             .split = [](ZOTMifBuffer* buffer, NSString* text, NSMutableArray* numbers) {
+                               return [buffer splitMacStr:text IntoNumbersArray:numbers];
+                             }};
 
-constexpr GroupForm kKeyForm{
-    .count = 16,
-    .colonSeparates = true,
-    .hexadecimal = true,
-    .lastGroupFirst = false,
-    .printed = "%02X",
-    .split = [](ZOTMifBuffer* buffer, NSString* text, NSMutableArray* numbers) {
-      return [buffer splitCryptKeyStr:text IntoNumbersArray:numbers];
-    }};
+constexpr GroupForm kKeyForm{.count = 16,
+                             .colonSeparates = true,
+                             .hexadecimal = true,
+                             .lastGroupFirst = false,
+                             .printed = "%02X",
+                             .split = [](ZOTMifBuffer* buffer, NSString* text, NSMutableArray* numbers) {
+                               return [buffer splitCryptKeyStr:text IntoNumbersArray:numbers];
+                             }};
 
 // Appends the number of each group of text to numbers.  A group is never refused
 // for what stands in it: a decimal one without digits counts 0, a hexadecimal one
