@@ -17,55 +17,106 @@ target_compile_options(zot_build INTERFACE -Wall -Wextra -Wpedantic -Wconversion
   # Compile features know no Objective-C++.
   $<$<COMPILE_LANGUAGE:OBJCXX>:-std=gnu++20>)
 
-# All sources are compiled once, position independent; the shared library and
-# the static one that the tests link are made of the same objects.
-add_library(zot_objects OBJECT)
-target_link_libraries(zot_objects PRIVATE zot_build)
-target_link_libraries(zot_objects PUBLIC Threads::Threads ${CMAKE_DL_LIBS})
-target_include_directories(zot_objects PUBLIC "${PROJECT_SOURCE_DIR}")
-# GCC's hidden visibility would also hide the Objective-C class symbols, so the
-# version script alone trims the .mm files.
-set_target_properties(zot_objects PROPERTIES
-  POSITION_INDEPENDENT_CODE ON
-  CXX_VISIBILITY_PRESET hidden
-  VISIBILITY_INLINES_HIDDEN ON)
+# zot_library(STEM NAME): the sources of one library as objects, compiled once and position
+# independent; the shared library and the archive are made of the same objects.
+#   STEM_objects  what the rooms add their sources to
+#   STEM          the shared library NAME, with the exports that cmake/NAME.map lets through
+#   STEM_archive  the static one
+function(zot_library stem name)
+  add_library(${stem}_objects OBJECT)
+  target_link_libraries(${stem}_objects PRIVATE zot_build)
+  target_include_directories(${stem}_objects PRIVATE "${PROJECT_SOURCE_DIR}")
+  # GCC's hidden visibility would also hide the Objective-C class symbols, so the
+  # version script alone trims the .mm files.
+  set_target_properties(${stem}_objects PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
 
-if(ZOT_OBJECTS)
-  target_link_libraries(zot_objects PUBLIC GNUstep::Base)
+  add_library(${stem}_archive STATIC $<TARGET_OBJECTS:${stem}_objects>)
+  set(libraries ${stem}_archive)
+  if(ZOT_SHARED)
+    set(version_script "${PROJECT_SOURCE_DIR}/cmake/${name}.map")
+    add_library(${stem} SHARED $<TARGET_OBJECTS:${stem}_objects>)
+    target_link_options(${stem} PRIVATE "LINKER:--version-script=${version_script}")
+    # Sanitizers refuse -z,defs: their run-time is linked into the program only.
+    if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+      target_link_options(${stem} PRIVATE "LINKER:-z,defs")
+    endif()
+    set_target_properties(${stem} PROPERTIES
+      VERSION ${PROJECT_VERSION}
+      SOVERSION ${PROJECT_VERSION_MAJOR}
+      LINK_DEPENDS "${version_script}")
+    list(APPEND libraries ${stem})
+  endif()
+  foreach(library IN LISTS libraries)
+    set_target_properties(${library} PROPERTIES
+      OUTPUT_NAME ${name}
+      LINKER_LANGUAGE CXX)  # CMake's rules for Objective-C++ know neither soname nor run path
+    target_include_directories(${library} INTERFACE
+      "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>"
+      "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zotmacguiutils>")
+    target_compile_features(${library} INTERFACE cxx_std_17)  # the public headers
+  endforeach()
+endfunction()
+
+# The plain rooms, which need no Foundation.
+zot_library(zotmacguiutils_core zotmacguiutils-core)
+set(system_libraries Threads::Threads ${CMAKE_DL_LIBS})
+target_link_libraries(zotmacguiutils_core_archive PUBLIC ${system_libraries})
+add_library(zotmacguiutils::core_static ALIAS zotmacguiutils_core_archive)
+add_library(zotmacguiutils_static INTERFACE)
+target_link_libraries(zotmacguiutils_static INTERFACE zotmacguiutils_core_archive)
+add_library(zotmacguiutils::static ALIAS zotmacguiutils_static)
+if(ZOT_SHARED)
+  target_link_libraries(zotmacguiutils_core PRIVATE ${system_libraries})
+  add_library(zotmacguiutils::core ALIAS zotmacguiutils_core)
+else()
+  add_library(zotmacguiutils_core ALIAS zotmacguiutils_core_archive)
+  add_library(zotmacguiutils::core ALIAS zotmacguiutils_core_archive)
 endif()
 
-set(ZOT_VERSION_SCRIPT "${PROJECT_SOURCE_DIR}/cmake/zotmacguiutils.map")
-add_library(zotmacguiutils SHARED)
-target_link_libraries(zotmacguiutils PRIVATE zot_objects)
-target_link_options(zotmacguiutils PRIVATE "LINKER:--version-script=${ZOT_VERSION_SCRIPT}" "LINKER:-z,defs")
-set_target_properties(zotmacguiutils PROPERTIES
-  VERSION ${PROJECT_VERSION}
-  SOVERSION ${PROJECT_VERSION_MAJOR}
-  LINK_DEPENDS "${ZOT_VERSION_SCRIPT}")
-target_include_directories(zotmacguiutils INTERFACE
-  "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>"
-  "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zotmacguiutils>")
-target_compile_features(zotmacguiutils INTERFACE cxx_std_17)  # the public headers
-add_library(zotmacguiutils::zotmacguiutils ALIAS zotmacguiutils)
+# The two object classes on top of them.  Their library needs the plain one and has no
+# copy of its objects, so that a process has their state once.
+if(ZOT_OBJECTS)
+  zot_library(zotmacguiutils zotmacguiutils)
+  target_link_libraries(zotmacguiutils_objects PRIVATE GNUstep::Base)
+  target_link_libraries(zotmacguiutils_archive PUBLIC zotmacguiutils_core_archive GNUstep::Base)
+  # Nothing names a category, so a linker would leave it in the archive.
+  target_link_libraries(zotmacguiutils_static INTERFACE "$<LINK_LIBRARY:WHOLE_ARCHIVE,zotmacguiutils_archive>")
+  if(ZOT_SHARED)
+    target_link_libraries(zotmacguiutils PUBLIC zotmacguiutils_core PRIVATE GNUstep::Base
+      INTERFACE "$<TARGET_NAME_IF_EXISTS:GNUstep::Base>")
+    add_library(zotmacguiutils::zotmacguiutils ALIAS zotmacguiutils)
+  endif()
+endif()
 
-# For the tests, which also reach what is not exported.
-add_library(zotmacguiutils_static STATIC EXCLUDE_FROM_ALL)
-target_link_libraries(zotmacguiutils_static PUBLIC zot_objects)
-
-# Sanitizers refuse -z,defs: their run-time is linked into the program only.
-if(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
-  set_property(TARGET zotmacguiutils PROPERTY LINK_OPTIONS "LINKER:--version-script=${ZOT_VERSION_SCRIPT}")
+# Where there are no object classes, or no shared ones, the chief name means what there is.
+if(NOT TARGET zotmacguiutils)
+  if(ZOT_SHARED)
+    set(chief zotmacguiutils_core)
+  else()
+    set(chief zotmacguiutils_static)
+  endif()
+  add_library(zotmacguiutils ALIAS ${chief})
+  add_library(zotmacguiutils::zotmacguiutils ALIAS ${chief})
 endif()
 
 # zot_room(SOURCES file... C_HEADERS file... CXX_HEADERS file... OBJC_HEADERS file...)
 #
-# Adds a room's files to the library.  The header lists name its public headers
-# by the plainest language that can read them: C11, C++17 or Objective-C.
-# Private headers are named nowhere.
+# Adds a room's files to the libraries, Objective-C++ to that of the object classes.
+# The header lists name its public headers by the plainest language that can read
+# them: C11, C++17 or Objective-C.  Private headers are named nowhere.
 function(zot_room)
   cmake_parse_arguments(PARSE_ARGV 0 room "" "" "SOURCES;C_HEADERS;CXX_HEADERS;OBJC_HEADERS")
   cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY "${PROJECT_SOURCE_DIR}" OUTPUT_VARIABLE name)
-  target_sources(zot_objects PRIVATE ${room_SOURCES})
+  set(object_sources "${room_SOURCES}")
+  list(FILTER object_sources INCLUDE REGEX "\\.mm$")
+  list(FILTER room_SOURCES EXCLUDE REGEX "\\.mm$")
+  target_sources(zotmacguiutils_core_objects PRIVATE ${room_SOURCES})
+  if(ZOT_OBJECTS)
+    target_sources(zotmacguiutils_objects PRIVATE ${object_sources})
+  endif()
   foreach(kind IN ITEMS C CXX OBJC)
     list(TRANSFORM room_${kind}_HEADERS PREPEND "${name}/")
     set_property(GLOBAL APPEND PROPERTY ZOT_${kind}_HEADERS ${room_${kind}_HEADERS})

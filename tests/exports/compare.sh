@@ -1,19 +1,28 @@
 #!/bin/sh
-# compare.sh LIBRARY LIST ON|OFF: the names that the shared library exports are
-# those of the list, ON with and OFF without the object classes.  NM names the
-# program that lists a library's symbols.
+# compare.sh LIST CORE [OBJECTS]: the names that the shared libraries export are
+# those of the list, each by one of them and under the version node: the classes' own
+# by the library OBJECTS, all others by CORE.  NM names the program that lists a
+# library's symbols.
 set -eu
 
-library=$1
-list=$2
-objects=$3
+list=$1
+core=$2
+objects=${3:-}
+node=ZOTMACGUIUTILS_1.0
 LC_ALL=C
 export LC_ALL
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-"${NM:-nm}" -D --defined-only -C "$library" | sed 's/^[0-9a-f]* *[A-Za-z] //' | sort -u >"$work/built"
+# Two constructors or destructors of a class may share their demangled name.
+exports_of() {
+  "${NM:-nm}" -D --defined-only -C "$1" | sed "/ A $node/d; s/^[0-9a-f]* *[A-Za-z] //; s/@@$node\$//" | sort -u
+}
+exports_of "$core" >"$work/core"
+: >"$work/objects"
+[ -z "$objects" ] || exports_of "$objects" >"$work/objects"
+sort "$work/core" "$work/objects" >"$work/built"
 
 # Sorted sections keep the list readable and its merges small.
 awk '
@@ -26,10 +35,12 @@ awk '
 ' "$list" >"$work/disorder"
 
 grep -v -e '^#' -e '^$' "$list" | sort >"$work/all"
-if [ "$objects" = ON ]; then
+if [ -n "$objects" ]; then
   cp "$work/all" "$work/listed"
+  grep -v '^__objc_class_name_' "$work/objects" >"$work/misplaced" || true
 else
   grep -v '^__objc_class_name_' "$work/all" >"$work/listed"
+  : >"$work/misplaced"
 fi
 uniq -d "$work/all" | sed 's/^/stands in two sections: /' >>"$work/disorder"
 comm -23 "$work/listed" "$work/built" >"$work/missing"
@@ -44,6 +55,7 @@ report() {
   fi
 }
 report "$work/disorder" "$list is not in order:"
-report "$work/missing" "listed in $list, but not exported by $library:"
-report "$work/extra" "exported by $library, but not listed in $list:"
+report "$work/missing" "listed in $list, but not exported:"
+report "$work/extra" "exported, but not listed in $list (or twice):"
+report "$work/misplaced" "belongs to the plain rooms, but is exported by $objects:"
 exit "$result"

@@ -21,3 +21,17 @@ eval "set -- $(pkg-config --cflags --libs zotmacguiutils)"  # a blank in a path 
 "$CXX" -std=c++17 "$sources/consumer.cpp" -o "$work/consumer_cpp" "$@"
 "$work/consumer_c"
 "$work/consumer_cpp"
+
+# The plain rooms alone: everything but the object classes, and no Foundation.
+eval "set -- $(pkg-config --cflags --libs zotmacguiutils-core)"
+"$CC" -std=c11 "$sources/consumer.c" -o "$work/consumer_core" "$@"
+"$work/consumer_core"
+if ldd "$work/consumer_core" | grep -e gnustep -e objc; then
+  echo "a plain program loads Foundation"
+  exit 1
+fi
+
+# The one name that stands for every documented one.
+"$CXX" -std=c++17 -I"$(pkg-config --variable=includedir zotmacguiutils)" "$sources/consumer.cpp" \
+  -o "$work/consumer_alone" -L"$(pkg-config --variable=libdir zotmacguiutils)" -lzotmacguiutils
+"$work/consumer_alone"
