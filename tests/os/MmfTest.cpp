@@ -77,7 +77,7 @@ TEST_F(MappedFile, ReportsEachFailure) {
                                                          {"f", ENOSPC, true},
                                                          {"/dev/null", ENODEV, true}};
   const auto failures = [&] {
-    const rlimit small{4096, 4096};
+    const rlimit small{4096, RLIM_INFINITY};
     setrlimit(RLIMIT_FSIZE, &small);
     const auto lines = told([&] {
       for (const auto& [path, error, open] : cases) {
@@ -105,9 +105,11 @@ ERROR ZotOsMmfClose: unmap(HANDLE) failed (22=Invalid argument)
 )",
                      {{"HANDLE", &handle}}),
               lines);
+    const rlimit whole{RLIM_INFINITY, RLIM_INFINITY};
+    setrlimit(RLIMIT_FSIZE, &whole);  // the counts of a coverage build are still to be written
     return 0;
   };
-  EXPECT_EQ(0, runInChild(failures)) << "nothing lifts the limit that cuts the write to f short";
+  EXPECT_EQ(0, runInChild(failures)) << "in a process of its own, since the limit holds for all its files";
 }
 
 TEST_F(MappedFile, IsFlushedFromTheStartOfAPage) {

@@ -9,6 +9,10 @@
 #include <csignal>
 #include <functional>
 
+#ifdef ZOT_COVERAGE
+extern "C" void __gcov_dump();
+#endif
+
 namespace zot_test {
 
 // Polls until condition() holds.  Returns false when the deadline came first.
@@ -34,6 +38,9 @@ class Child {
     if (pid_ == 0) {
       const int code = body();
       std::fflush(nullptr);
+#ifdef ZOT_COVERAGE
+      __gcov_dump();  // _exit() would forget the counts
+#endif
       _exit(testing::Test::HasFailure() ? 113 : code);
     }
   }
@@ -45,7 +52,9 @@ class Child {
     }
   }
 
-  void kill(int signal) const { ::kill(pid_, signal); }
+  void kill(int signal) const {
+    ::kill(pid_, signal);
+  }
 
   // The exit code, 128 + the signal that ended the child, or -1 when it goes on running.
   int wait() {
