@@ -64,3 +64,10 @@ foreach(package IN ITEMS zotmacguiutils zotmacguiutils-core)
   configure_file(cmake/${package}.pc.in ${package}.pc @ONLY)
   install(FILES "${PROJECT_BINARY_DIR}/${package}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 endforeach()
+
+if(PROJECT_IS_TOP_LEVEL)
+  add_custom_target(uninstall
+    COMMAND "${CMAKE_COMMAND}" -D "MANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt"
+      -P "${PROJECT_SOURCE_DIR}/cmake/uninstall.cmake"
+    VERBATIM)
+endif()
