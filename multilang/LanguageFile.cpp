@@ -1,55 +1,108 @@
 #include "multilang/LanguageFileInternal.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
-#include <string_view>
 
 namespace {
 
 constexpr std::string_view kVersion = "1.0";
 constexpr uint8_t kLongestVersion = 10;
 
-template <class Record>
-bool readWhole(FILE* file, Record* record) {
-  return std::fread(record, sizeof *record, 1, file) == 1;
-}
-
 bool hasOurVersion(const tMlHeader& header) {
   const auto length = std::min(header.versionLength, kLongestVersion);
   return std::string_view(header.version, length) == kVersion;
 }
 
-// Whether the search found the form; the count in the header only bounds it.
-bool findForm(FILE* file, uint32_t formCount, uint32_t formNumber, tMlForms* form) {
-  for (uint32_t i = 0; i < formCount && readWhole(file, form); ++i) {
+}  // namespace
+
+bool LanguageFile::findForm(uint32_t formNumber, tMlForms* form) {
+  tMlHeader header;
+  if (!take(&header) || !hasOurVersion(header)) {
+    return false;
+  }
+  // The count in the header only bounds the search.
+  for (uint32_t i = 0; i < header.formCount && take(form); ++i) {
     if (form->formNumber == formNumber) {
-      return true;
+      return goTo(form->textOffset);
     }
   }
   return false;
 }
 
-}  // namespace
+bool LanguageFile::nextText() {
+  uint32_t size;
+  if (!take(&size) || size > sizeof(tMlTexte) || !hasBytes(size)) {
+    return false;
+  }
+  const char* record = piece_ + at_;
+  at_ += size;
+  constexpr uint32_t kTextAt = offsetof(tMlTexte, text) + 1;
+  char padded[kTextAt] = {};
+  if (size >= kTextAt) {
+    const uint32_t length = static_cast<unsigned char>(record[kTextAt - 1]);
+    text_ = std::string_view(record + kTextAt, std::min(length, size - kTextAt));
+  } else {
+    std::memcpy(padded, record, size);
+    record = padded;
+    text_ = {};
+  }
+  std::memcpy(&element_, record + offsetof(tMlTexte, element), sizeof element_);
+  std::memcpy(&subElement_, record + offsetof(tMlTexte, subElement), sizeof subElement_);
+  return true;
+}
 
-OpenFile mlOpenForm(const char* path, uint32_t formNumber, tMlForms* form) {
-  // The 'e' keeps the descriptor out of programs that another thread starts.
-  OpenFile file(std::fopen(path, "rbe"));
-  tMlHeader header;
-  if (!file || !readWhole(file.get(), &header) || !hasOurVersion(header) ||
-      !findForm(file.get(), header.formCount, formNumber, form)) {
-    return nullptr;
+// Whether so many bytes, which the piece always has room for, now stand from at_ on.
+bool LanguageFile::readOn(size_t wanted) {
+  std::memmove(piece_, piece_ + at_, end_ - at_);
+  end_ -= at_;
+  at_ = 0;
+  while (end_ < wanted) {
+    const ssize_t count = pread(descriptor_, piece_ + end_, sizeof piece_ - end_, pieceEnd_);
+    if (count < 0 && errno == EINTR) {
+      continue;
+    }
+    if (count <= 0) {
+      return false;
+    }
+    end_ += static_cast<size_t>(count);
+    pieceEnd_ += count;
   }
-  // Where long has 32 bits, an offset of 2 GiB and more turns negative and is refused.
-  if (std::fseek(file.get(), static_cast<long>(form->textOffset), SEEK_SET) != 0) {
-    return nullptr;
+  return true;
+}
+
+template <class Record>
+bool LanguageFile::take(Record* record) {
+  if (!hasBytes(sizeof *record)) {
+    return false;
   }
-  return file;
+  std::memcpy(record, piece_ + at_, sizeof *record);
+  at_ += sizeof *record;
+  return true;
+}
+
+bool LanguageFile::goTo(uint32_t offset) {
+  // A stream on a host whose long has 32 bits could not be moved there.
+  if (sizeof(long) == sizeof offset && offset > INT32_MAX) {
+    return false;
+  }
+  const off_t pieceStart = pieceEnd_ - static_cast<off_t>(end_);
+  if (offset >= pieceStart && offset <= pieceEnd_) {
+    at_ = static_cast<size_t>(offset - pieceStart);
+  } else {
+    at_ = end_ = 0;
+    pieceEnd_ = offset;
+  }
+  return true;
 }
 
 bool mlReadText(FILE* file, tMlTexte* record) {
   uint32_t size;
   tMlTexte read = {};
-  if (!readWhole(file, &size) || size > sizeof read || std::fread(&read, 1, size, file) != size) {
+  if (std::fread(&size, sizeof size, 1, file) != 1 || size > sizeof read ||
+      std::fread(&read, 1, size, file) != size) {
     return false;
   }
   mlTerminateShortString(read.text, sizeof read.text);

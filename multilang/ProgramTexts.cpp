@@ -1,24 +1,22 @@
 #include "multilang/ProgramTexts.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
 
 #include "multilang/MutexHoldInternal.h"
+#include "multilang/TextBlocksInternal.h"
+#include "multilang/TextIndexInternal.h"
 #include "multilang/ZOT_MultiLanguage.h"
-
-// One entry of a table.
-struct prgTexte {
-  uint32_t element;
-  uint32_t subElement;
-  char* text;  // on the heap, escapes resolved
-};
 
 namespace {
 
 constexpr uint32_t kGrowth = 5;
+// So few entries are walked through as fast as an index is asked.
+constexpr uint32_t kFewTexts = 8;
 constexpr char kWideMessage[] = "zotmllib: WCHAR not implemented for this OS";
 static_assert(sizeof kWideMessage == 44);
 
@@ -29,24 +27,31 @@ struct Escape {
 constexpr Escape kEscapes[] = {{'b', '\b'}, {'t', '\t'},  {'n', '\n'}, {'r', '\r'},
                                {'0', '\0'}, {'\\', '\\'}, {'"', '"'},  {'\'', '\''}};
 
-// Copies source to copy, which is as long, with its escapes resolved.
-void copyResolved(char* copy, const char* source) {
-  while (*source != '\0') {
-    if (*source != '\\') {
-      *copy++ = *source++;
-      continue;
+// Copies the text to copy, which has room for as many bytes, with its escapes resolved;
+// returns the end of the copy.  A zero byte ends a text wherever it is looked at, so it
+// matters only behind a backslash.
+char* copyResolved(char* copy, const char* text, const char* end) {
+  while (text != end) {
+    const auto* found = static_cast<const char*>(std::memchr(text, '\\', static_cast<size_t>(end - text)));
+    const char* backslash = found != nullptr ? found : end;
+    copy = std::copy(text, backslash, copy);
+    if (backslash == end || backslash + 1 == end || backslash[1] == '\0') {
+      break;
     }
-    const char letter = *++source;
     const auto* escape = std::find_if(std::begin(kEscapes), std::end(kEscapes),
-                                      [letter](const Escape& known) { return known.letter == letter; });
+                                      [=](const Escape& known) { return known.letter == backslash[1]; });
     if (escape != std::end(kEscapes)) {
       *copy++ = escape->meaning;
     }
-    if (letter != '\0') {
-      ++source;
-    }
+    text = backslash + 2;
   }
-  *copy = '\0';
+  return copy;
+}
+
+// The entries' array has room for this many when it counts `capacity`: it counts in
+// fives and is moved only when they have doubled.
+size_t roomFor(uint32_t capacity) {
+  return capacity != 0 ? size_t{kGrowth} * std::bit_ceil(capacity / kGrowth) : 0;
 }
 
 // The index to use now; the other one comes next.
@@ -56,12 +61,12 @@ uint32_t takeIndex(uint32_t* next) {
   return taken;
 }
 
-const char* findText(const prgTexte* texts, uint32_t count, uint32_t element, uint32_t sub, bool useElement) {
+const prgTexte* walk(const prgTexte* texts, uint32_t count, uint32_t element, uint32_t sub, bool useElement) {
   const auto* end = texts + count;
   const auto* found = std::find_if(texts, end, [=](const prgTexte& entry) {
     return entry.subElement == sub && (!useElement || entry.element == element);
   });
-  return found != end ? found->text : nullptr;
+  return found != end ? found : nullptr;
 }
 
 const char* missingText(char (&scratch)[256], uint32_t element, uint32_t sub, bool useElement) {
@@ -109,7 +114,10 @@ ProgramTexts::ProgramTexts(ZOT_MultiLanguage* ofLoader, unsigned int formNumber,
       nextScratch(0),
       form(formNumber),
       element(elementNumber),
-      onlyElement(onlyThisElement) {
+      onlyElement(onlyThisElement),
+      indexTried(0),
+      index(nullptr),
+      blocks(nullptr) {
   ZotOsMutexCreate(&mutex, 0);
 }
 
@@ -128,7 +136,7 @@ const char* ProgramTexts::getPrgTextDefA(unsigned int elementNumber, unsigned in
                                          const char* def, char* dst, int size) {
   const MutexHold hold(mutex);
   auto& room = scratch[takeIndex(&nextScratch)].narrow;
-  const char* result = findText(texts, count, elementNumber, sub, useElement != 0);
+  const char* result = findText(elementNumber, sub, useElement != 0);
   if (result == nullptr) {
     result = def;
   }
@@ -149,28 +157,55 @@ const unsigned short* ProgramTexts::getPrgTextDefW(unsigned int, unsigned int, s
 }
 
 uint32_t ProgramTexts::AddText(unsigned int elementNumber, unsigned int sub, const char* text) {
-  if (text == nullptr) {
-    return 0;
-  }
+  return text != nullptr && addBytes(elementNumber, sub, text, std::strlen(text)) ? 1 : 0;
+}
+
+bool ProgramTexts::addBytes(uint32_t elementNumber, uint32_t sub, const char* text, size_t length) {
   if (count == capacity) {
-    auto* grown = static_cast<prgTexte*>(std::realloc(texts, (size_t{capacity} + kGrowth) * sizeof *texts));
-    if (grown == nullptr) {
-      return 0;
+    const size_t room = roomFor(capacity + kGrowth);
+    if (room != roomFor(capacity)) {
+      auto* grown = static_cast<prgTexte*>(std::realloc(texts, room * sizeof *texts));
+      if (grown == nullptr) {
+        return false;
+      }
+      texts = grown;
     }
-    texts = grown;
     capacity += kGrowth;
   }
-  auto* copy = static_cast<char*>(std::malloc(std::strlen(text) + 1));
-  if (copy == nullptr) {
-    return 0;
+  if (!mlMakeRoom(&blocks, length + 1)) {
+    return false;
   }
-  copyResolved(copy, text);
+  char* copy = blocks->free();
+  char* end = copyResolved(copy, text, text + length);
+  *end++ = '\0';
+  blocks->used += static_cast<size_t>(end - copy);
   texts[count++] = {elementNumber, sub, copy};
-  return 1;
+  if (indexTried != 0) {
+    forgetIndex();
+  }
+  return true;
+}
+
+const char* ProgramTexts::findText(uint32_t elementNumber, uint32_t sub, bool useElement) {
+  if (indexTried == 0 && count > kFewTexts) {
+    indexTried = 1;
+    index = TextIndex::build(texts, count);
+  }
+  const prgTexte* found = index == nullptr ? walk(texts, count, elementNumber, sub, useElement)
+                          : useElement     ? index->find(texts, elementNumber, sub)
+                                           : index->findOfAnyElement(texts, sub);
+  return found != nullptr ? found->text : nullptr;
+}
+
+void ProgramTexts::forgetIndex() {
+  delete index;
+  index = nullptr;
+  indexTried = 0;
 }
 
 void ProgramTexts::ClearAllTexts() {
-  std::for_each(texts, texts + count, [](const prgTexte& entry) { std::free(entry.text); });
+  forgetIndex();
+  mlFreeBlocks(&blocks);
   std::free(texts);
   texts = nullptr;
   count = 0;

@@ -8,12 +8,15 @@
 #ifndef PROGRAM_TEXTS_H
 #define PROGRAM_TEXTS_H
 
+#include <stddef.h>
 #include <stdint.h>
 
 #include "os/ZotExport.h"
 
 class ZOT_MultiLanguage;
 struct ZotOsMutexHandle;
+class TextIndex;
+struct TextBlock;
 struct prgTexte;
 
 class ZOT_EXPORT ProgramTexts {
@@ -68,6 +71,10 @@ class ZOT_EXPORT ProgramTexts {
   ProgramTexts(const ProgramTexts&) = delete;
   ProgramTexts& operator=(const ProgramTexts&) = delete;
 
+  bool addBytes(uint32_t element, uint32_t sub, const char* text, size_t length);
+  const char* findText(uint32_t element, uint32_t sub, bool useElement);
+  void forgetIndex();
+
   ZOT_MultiLanguage* parent;
   prgTexte* texts;
   ZotOsMutexHandle* mutex;
@@ -81,6 +88,9 @@ class ZOT_EXPORT ProgramTexts {
   uint32_t form;
   uint32_t element;
   signed char onlyElement;
+  signed char indexTried;  // since the entries changed
+  TextIndex* index;        // null unless one could be built
+  TextBlock* blocks;
 };
 
 // Stands in when no language file can be read: holds no texts and has no parent.

@@ -1,5 +1,7 @@
 #include "multilang/ZOT_MultiLanguage.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -11,6 +13,7 @@
 #include "multilang/LanguageFileInternal.h"
 #include "multilang/MutexHoldInternal.h"
 #include "os/CancellationOff.h"
+#include "os/FileDescriptor.h"
 #include "os/ZotOsFile.h"
 
 namespace {
@@ -66,20 +69,10 @@ char* buildPath(std::string_view directory, std::string_view fileName, std::stri
   return joinTexts(directory, separator, cMlFileNames[number - 1]);
 }
 
-// Whether all the form's text records were read and those that are wanted kept.
-bool readTexts(FILE* file, const tMlForms& form, uint32_t element, bool onlyElement, ProgramTexts* table) {
-  for (uint32_t i = 0; i < form.textCount; ++i) {
-    tMlTexte record;
-    if (!mlReadText(file, &record)) {
-      return false;
-    }
-    const bool wanted = !onlyElement || record.element == element;
-    if (wanted && table->AddText(record.element, record.subElement, record.text) == 0) {
-      return false;
-    }
-  }
-  return true;
-}
+struct CloseStream {
+  void operator()(FILE* stream) const { std::fclose(stream); }
+};
+using OpenStream = std::unique_ptr<FILE, CloseStream>;
 
 }  // namespace
 
@@ -162,7 +155,13 @@ const char* ZOT_MultiLanguage::buildFilePathName(unsigned int languageNumber) {
 FILE* ZOT_MultiLanguage::openFormId(unsigned int formNumber, tMlForms* formRecord) {
   const CancellationOff wholeCall;
   const char* path = formRecord != nullptr ? buildFilePathName(languageId) : nullptr;
-  return path != nullptr ? mlOpenForm(path, formNumber, formRecord).release() : nullptr;
+  // The 'e' keeps the descriptor out of programs that another thread starts.
+  OpenStream stream(path != nullptr ? std::fopen(path, "rbe") : nullptr);
+  if (!stream || !LanguageFile(fileno(stream.get())).findForm(formNumber, formRecord) ||
+      std::fseek(stream.get(), static_cast<long>(formRecord->textOffset), SEEK_SET) != 0) {
+    return nullptr;
+  }
+  return stream.release();
 }
 
 int ZOT_MultiLanguage::readElementText(FILE* file, tMlTexte* textRecord) {
@@ -179,18 +178,20 @@ void ZOT_MultiLanguage::convertDelphiString(char* buffer, unsigned int size) {
 ProgramTexts* ZOT_MultiLanguage::loadProgramTexts(unsigned int form, unsigned int element,
                                                   signed char onlyElement, ProgramTexts* table) {
   const CancellationOff wholeCall;
+  const char* path = buildFilePathName(languageId);
+  const FileDescriptor descriptor(path != nullptr ? open(path, O_RDONLY | O_CLOEXEC) : -1);
+  LanguageFile file(descriptor.get());
   tMlForms record;
-  const OpenFile file(openFormId(form, &record));
-  if (!file) {
+  if (!descriptor.isOpen() || !file.findForm(form, &record)) {
     return nullptr;
   }
   if (table != nullptr) {
     const MutexHold hold(table->mutex);
     table->ClearAllTexts();
-    return readTexts(file.get(), record, element, onlyElement != 0, table) ? table : nullptr;
+    return readTexts(&file, record.textCount, element, onlyElement != 0, table) ? table : nullptr;
   }
   std::unique_ptr<ProgramTexts> fresh(new (std::nothrow) ProgramTexts(this, form, element, onlyElement));
-  if (!fresh || !readTexts(file.get(), record, element, onlyElement != 0, fresh.get())) {
+  if (!fresh || !readTexts(&file, record.textCount, element, onlyElement != 0, fresh.get())) {
     return nullptr;
   }
   if (ptListAdd(fresh.get()) == 0) {
@@ -198,6 +199,21 @@ ProgramTexts* ZOT_MultiLanguage::loadProgramTexts(unsigned int form, unsigned in
     fresh->unregisterParent();
   }
   return fresh.release();
+}
+
+bool ZOT_MultiLanguage::readTexts(LanguageFile* file, uint32_t textCount, uint32_t element, bool onlyElement,
+                                  ProgramTexts* table) {
+  for (uint32_t i = 0; i < textCount; ++i) {
+    if (!file->nextText()) {
+      return false;
+    }
+    const std::string_view text = file->text();
+    const bool wanted = !onlyElement || file->element() == element;
+    if (wanted && !table->addBytes(file->element(), file->subElement(), text.data(), text.size())) {
+      return false;
+    }
+  }
+  return true;
 }
 
 uint32_t ZOT_MultiLanguage::RefreshAllRegisteredChildren() {

@@ -21,6 +21,7 @@
 #include "multilang/ProgramTexts.h"
 #include "os/ZotExport.h"
 
+class LanguageFile;
 struct ZotOsMutexHandle;
 
 class ZOT_EXPORT ZOT_MultiLanguage {
@@ -105,6 +106,10 @@ class ZOT_EXPORT ZOT_MultiLanguage {
  private:
   ZOT_MultiLanguage(const ZOT_MultiLanguage&) = delete;
   ZOT_MultiLanguage& operator=(const ZOT_MultiLanguage&) = delete;
+
+  // Whether all the form's text records were read and those that are wanted kept.
+  static bool readTexts(LanguageFile* file, uint32_t textCount, uint32_t element, bool onlyElement,
+                        ProgramTexts* table);
 
   uint32_t languageId;
   char* directory;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <map>
 #include <string>
 
 #include "support/FailingHeap.h"
@@ -113,17 +115,58 @@ TEST_F(ProgramTextsTest, WideFormsOnlyEverGiveTheMessage) {
   }
 }
 
-TEST_F(ProgramTextsTest, GrowsByFiveAndStaysUsableWithoutMemory) {
-  for (const unsigned int granted : {12u, 1u}) {  // the array twice and ten texts; the array once more
-    FailingHeap heap(granted);
-    for (unsigned int i = 0; i < 10; ++i) {
-      EXPECT_EQ(granted == 12 ? 1u : 0u, table.AddText(i, 0, "early"));
+TEST_F(ProgramTextsTest, StaysUsableWithoutMemory) {
+  const std::string longText(1000, 'x');
+  const struct {
+    unsigned int granted;  // room for five entries, for short texts, for ten, for a long text
+    const char* added;
+  } cases[] = {{0, "0000000"}, {1, "0000000"}, {2, "1111100"}, {3, "1111110"}, {4, "1111111"}};
+  for (const auto& c : cases) {
+    table.ClearAllTexts();
+    std::string added;
+    {
+      const FailingHeap heap(c.granted);
+      for (unsigned int i = 0; i < 7; ++i) {
+        added += std::to_string(table.AddText(i, 0, i < 6 ? "early" : longText.c_str()));
+      }
     }
-    EXPECT_EQ(0u, table.AddText(10, 0, "no memory"));
+    EXPECT_EQ(c.added, added) << c.granted;
+    EXPECT_EQ(1u, table.AddText(7, 0, "late"));
+    for (unsigned int i = 0; i < 6; ++i) {
+      EXPECT_EQ(added[i] == '1' ? "early" : std::to_string(i) + " 0 (Text missing)", found(i, 0));
+    }
+    EXPECT_EQ("late", found(7, 0));
   }
-  EXPECT_EQ(1u, table.AddText(10, 0, "eleventh"));
-  EXPECT_EQ("early", found(9, 0));
-  EXPECT_EQ("eleventh", found(10, 0));
+}
+
+TEST_F(ProgramTextsTest, FindsTheFirstWithAndWithoutMemoryForAnIndex) {
+  // Numbers that repeat; numbers apart; pairs that all meet in one place of an index.
+  const auto pairOf = [](int kind, uint64_t i) -> uint64_t {
+    return kind == 0 ? i % 7 << 32 | i % 5 : kind == 1 ? i << 32 | i * i % 11 : i * 0xF1DE83E19937733Du;
+  };
+  for (const int kind : {0, 1, 2}) {
+    std::map<uint64_t, std::string> byPair;
+    std::map<uint32_t, std::string> bySub;
+    table.ClearAllTexts();
+    for (uint64_t i = 1; i <= 300; ++i) {
+      const std::string text = std::to_string(i);
+      const auto sub = static_cast<uint32_t>(pairOf(kind, i));
+      byPair.emplace(pairOf(kind, i), text);
+      bySub.emplace(sub, text);
+      table.AddText(static_cast<uint32_t>(pairOf(kind, i) >> 32), sub, text.c_str());
+      if (i % 50 > 1) {
+        continue;  // looks up after every 50th text, and after one more
+      }
+      const FailingHeap heap(i % 100 == 0 ? 0 : 100);
+      for (const auto& [pair, first] : byPair) {
+        ASSERT_EQ(first, found(static_cast<uint32_t>(pair >> 32), static_cast<uint32_t>(pair)));
+      }
+      for (const auto& [anySub, first] : bySub) {
+        ASSERT_EQ(first, found(0x77777777, anySub, 0));
+      }
+      ASSERT_EQ("1000 1 (Text missing)", found(1000, 1));
+    }
+  }
 }
 
 }  // namespace
