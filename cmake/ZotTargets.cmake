@@ -26,6 +26,9 @@ function(zot_library stem name)
   add_library(${stem}_objects OBJECT)
   target_link_libraries(${stem}_objects PRIVATE zot_build)
   target_include_directories(${stem}_objects PRIVATE "${PROJECT_SOURCE_DIR}")
+  # Nobody replaces an exported function inside the library: calls between them may be
+  # inlined and need no linkage table.
+  target_compile_options(${stem}_objects PRIVATE -fno-semantic-interposition)
   # GCC's hidden visibility would also hide the Objective-C class symbols, so the
   # version script alone trims the .mm files.
   set_target_properties(${stem}_objects PROPERTIES
@@ -38,7 +41,8 @@ function(zot_library stem name)
   if(ZOT_SHARED)
     set(version_script "${PROJECT_SOURCE_DIR}/cmake/${name}.map")
     add_library(${stem} SHARED $<TARGET_OBJECTS:${stem}_objects>)
-    target_link_options(${stem} PRIVATE "LINKER:--version-script=${version_script}")
+    target_link_options(${stem} PRIVATE
+      "LINKER:--version-script=${version_script}" "LINKER:-Bsymbolic-functions")
     # Sanitizers refuse -z,defs: their run-time is linked into the program only.
     if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
       target_link_options(${stem} PRIVATE "LINKER:-z,defs")
