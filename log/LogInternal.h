@@ -21,14 +21,9 @@ void fnvvLogData(uint32_t toStdout, const void* data, long length, int mode, con
 // alone to the system log.
 void vWrLog(uint32_t toStdout, const char* prefix, const char* message);
 
-// The time of day as a log line shows it; the last one taken, or at first an empty
-// text, when there is no time to be had.
-struct LogStamp {
-  char text[32] = {};
-};
-LogStamp takeStamp();
-
-// The same, in a text that all threads share and a later call changes.
+// The time of day as a log line shows it, in the zone that the process has at the
+// moment; the calling thread's last one, or at first an empty text, when there is no
+// time to be had.  The text is the thread's own and stays until its next call.
 const char* cpszGetTime();
 
 // Fills dst, of size bytes with the terminator, with the length line and the dump

@@ -21,32 +21,37 @@
 
 #include "log/ZotLog.h"
 
-// The level word of an object, 0 when it has none yet.  Other processes and
-// threads change the word at any time; each reader is content with any of its values.
-inline uint32_t logLevel(const ZotOsLog* log) {
-  if (log == nullptr || log->level == nullptr) {
-    return 0;
-  }
-  return std::atomic_ref(*log->level).load(std::memory_order_relaxed);
+// The process's log object; null, and all its lines silent, before the first named
+// semaphore and after the last.  Any thread reads it at any time, and its level with
+// it: the object and the word it points at stay readable for the life of the process.
+// Only who holds the SharedBlockLock changes it (LogObjectInternal.h).
+extern std::atomic<ZotOsLog*> pstLog;
+
+// The level word of an object; null for a null object and a half-built one.
+inline uint32_t* levelWord(ZotOsLog* log) {
+  return log != nullptr ? std::atomic_ref(log->level).load(std::memory_order_acquire) : nullptr;
+}
+
+// Its value, or 0.  Other processes and threads change the word at any time; each
+// reader is content with any of its values.
+inline uint32_t logLevel(ZotOsLog* log) {
+  uint32_t* const word = levelWord(log);
+  return word != nullptr ? std::atomic_ref(*word).load(std::memory_order_relaxed) : 0;
 }
 
 inline bool logPasses(uint32_t level, uint32_t mask) {
   return (level & mask) > 1;
 }
 
-// pstLog as any thread may read it while the first semaphore sets it.
-inline ZotOsLog* processLog() {
-  return std::atomic_ref(pstLog).load(std::memory_order_acquire);
-}
-
 unsigned int logPid();
 long logTid();  // the kernel's id of the calling thread
 
-#define ZOT_LINE(mask, ...)                                                                   \
-  do {                                                                                        \
-    if (ZotOsLog* const zotLineLog = processLog(); logPasses(logLevel(zotLineLog), (mask))) { \
-      ZotOsvLog(zotLineLog, (mask), __VA_ARGS__);                                             \
-    }                                                                                         \
+#define ZOT_LINE(mask, ...)                                                  \
+  do {                                                                       \
+    if (ZotOsLog* const zotLineLog = pstLog.load(std::memory_order_acquire); \
+        logPasses(logLevel(zotLineLog), (mask))) {                           \
+      ZotOsvLog(zotLineLog, (mask), __VA_ARGS__);                            \
+    }                                                                        \
   } while (false)
 
 #define ZOT_LINE_IDS(mask, format, ...) \

@@ -1,19 +1,16 @@
-// The log object and its place in the shared block.
+// Log objects and their place in the shared block.
 #include <atomic>
 #include <cstdlib>
 
 #include "log/LogLineInternal.h"
+#include "log/LogObjectInternal.h"
 #include "log/ZotLog.h"
+#include "os/ReservedPages.h"
+#include "os/SharedBlockLock.h"
 #include "os/SharedControlBlock.h"
 #include "os/ZotOsMmf.h"
+#include "os/ZotOsMmfInternal.h"
 #include "os/ZotOsSystem.h"
-
-namespace logobject {
-
-// The object made last; apart from the pstLog that lines are written through.
-std::atomic<ZotOsLog*> pstLog{nullptr};
-
-}  // namespace logobject
 
 namespace {
 
@@ -21,11 +18,14 @@ SharedControlBlock& block(const ZotOsMmfHandle& handle) {
   return *static_cast<SharedControlBlock*>(handle.address);
 }
 
-// Returns false, with *levelPtr at localWord, when the block cannot be had.
-bool attach(ZotOsMmfHandle& handle, uint32_t& localWord, uint32_t*& levelPtr) {
-  localWord = ZOT_LOG_SILENT;
-  levelPtr = &localWord;
-  ZotOsMmfCreate(&handle, kSharedBlockSize, nullptr, kSharedBlockKey, 1);
+// Another thread may be reading through either of the words.
+void pointAtLocal(uint32_t*& levelPtr, uint32_t& localWord, uint32_t value) {
+  std::atomic_ref(localWord).store(value, std::memory_order_relaxed);
+  std::atomic_ref(levelPtr).store(&localWord, std::memory_order_release);
+}
+
+// Counts this user in the block that was just attached.  Returns false when there is none.
+bool countAttached(const ZotOsMmfHandle& handle, uint32_t*& levelPtr) {
   if (handle.address == nullptr) {
     return false;
   }
@@ -36,29 +36,76 @@ bool attach(ZotOsMmfHandle& handle, uint32_t& localWord, uint32_t*& levelPtr) {
     shared.GlobSemCnt.store(0);
     shared.ProcCnt.store(1);
   }
-  levelPtr = &shared.Log.value;
+  std::atomic_ref(levelPtr).store(&shared.Log.value, std::memory_order_release);
   return true;
 }
 
+bool attachAnywhere(ZotOsMmfHandle& handle, uint32_t& localWord, uint32_t*& levelPtr) {
+  pointAtLocal(levelPtr, localWord, ZOT_LOG_SILENT);
+  ZotOsMmfCreate(&handle, kSharedBlockSize, nullptr, kSharedBlockKey, 1);
+  return countAttached(handle, levelPtr);
+}
+
 void detach(ZotOsMmfHandle& handle) {
-  if (handle.address == nullptr || handle.shmId == -1) {
+  void* const address = handle.address;
+  if (address == nullptr || handle.shmId == -1) {
     return;
   }
   block(handle).ProcCnt.decrement();
   ZotOsMmfClose(&handle);
+  // Closing leaves a block attached that it removed, or failed to remove.  It would
+  // stay with the process, and the system has room for only so many.
+  if (handle.shmId == -1 || handle.address != nullptr) {
+    detachBlock(address);
+    handle.address = nullptr;
+  }
 }
+
+// The lines of the detaching itself are still wanted, but the shared word goes away
+// under them: from here on the object reads a copy of its own.
+void detach(ZotOsLog& log) {
+  pointAtLocal(log.level, log.localLevel, logLevel(&log));
+  detach(log.handle);
+}
+
+// The memory of every pstLog there ever was.
+ZotOsLog* processObject = nullptr;
 
 }  // namespace
 
+std::atomic<ZotOsLog*> pstLog{nullptr};
+
+bool beginProcessLog() {
+  ZotOsInit();
+  if (processObject == nullptr) {
+    processObject = static_cast<ZotOsLog*>(std::calloc(1, sizeof(ZotOsLog)));
+  }
+  if (processObject == nullptr) {
+    return false;
+  }
+  ZotOsLog& log = *processObject;
+  log.LocSemCnt = 0;
+  pointAtLocal(log.level, log.localLevel, ZOT_LOG_SILENT);
+  fMmfCreateReserved(&log.handle, kSharedBlockSize, kSharedBlockKey);
+  if (!countAttached(log.handle, log.level)) {
+    return false;
+  }
+  pstShm = &block(log.handle);
+  pstLog.store(&log, std::memory_order_release);
+  return true;
+}
+
+void endProcessLog() {
+  detach(*pstLog);
+  pstLog.store(nullptr, std::memory_order_release);
+  pstShm = nullptr;
+}
+
 ZotOsLog* ZotOspLogNew(void) {
   ZotOsInit();
-  auto* log = static_cast<ZotOsLog*>(std::calloc(1, sizeof(ZotOsLog)));
-  logobject::pstLog = log;
-  if (log == nullptr) {
-    return nullptr;
-  }
-  if (!attach(log->handle, log->localLevel, log->level)) {
-    logobject::pstLog = nullptr;
+  auto* const log = static_cast<ZotOsLog*>(std::calloc(1, sizeof(ZotOsLog)));
+  const SharedBlockLock lock;
+  if (log != nullptr && !attachAnywhere(log->handle, log->localLevel, log->level)) {
     std::free(log);
     return nullptr;
   }
@@ -69,25 +116,23 @@ void ZotOsvLogDelete(ZotOsLog** log) {
   if (log == nullptr || *log == nullptr) {
     return;
   }
-  ZotOsLog* const object = *log;
-  // The lines of the detaching itself are still wanted, but the shared word goes
-  // away under them: from here on the object reads a copy of its own.
-  object->localLevel = logLevel(object);
-  object->level = &object->localLevel;
-  detach(object->handle);
-  std::atomic_ref(*log).store(nullptr, std::memory_order_release);
-  std::free(object);
+  const SharedBlockLock lock;
+  detach(**log);
+  std::free(*log);
+  *log = nullptr;
 }
 
 uint32_t fnfOpenShm(ZotOsMmfHandle* handle, uint32_t* localWord, uint32_t** levelPtr) {
   if (handle == nullptr || localWord == nullptr || levelPtr == nullptr) {
     return 0;
   }
-  return attach(*handle, *localWord, *levelPtr) ? 1 : 0;
+  const SharedBlockLock lock;
+  return attachAnywhere(*handle, *localWord, *levelPtr) ? 1 : 0;
 }
 
 void fnvCloseShm(ZotOsMmfHandle* handle) {
   if (handle != nullptr) {
+    const SharedBlockLock lock;
     detach(*handle);
   }
 }

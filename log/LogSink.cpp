@@ -1,6 +1,5 @@
-// Where log lines go, and the timestamp in front of them.
+// Where log lines go.
 #include <pthread.h>
-#include <sys/time.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -9,13 +8,10 @@
 #endif
 
 #include <cstdio>
-#include <cstring>
-#include <ctime>
 
 #include "log/LogInternal.h"
 #include "log/LogLineInternal.h"
 #include "os/CancellationOff.h"
-#include "os/zot_string.h"
 
 namespace {
 
@@ -23,32 +19,6 @@ constexpr uint32_t kIgnoredOpenBit = 0x10000000;
 
 // The longest message there is, with each of its percent signs doubled.
 constexpr size_t kSyslogSize = size_t{2} * 1543;
-
-// The timestamp that all threads share, kept word by word: a reader in another
-// thread meets bytes of two timestamps at worst.
-std::atomic<uint32_t> sharedStamp[sizeof(LogStamp) / sizeof(uint32_t)];
-static_assert(sizeof sharedStamp == sizeof(LogStamp));
-
-void publish(const LogStamp& stamp) {
-  const char* from = stamp.text;
-  for (auto& shared : sharedStamp) {
-    uint32_t word;
-    std::memcpy(&word, from, sizeof word);
-    shared.store(word, std::memory_order_relaxed);
-    from += sizeof word;
-  }
-}
-
-LogStamp published() {
-  LogStamp stamp;
-  char* to = stamp.text;
-  for (const auto& shared : sharedStamp) {
-    const uint32_t word = shared.load(std::memory_order_relaxed);
-    std::memcpy(to, &word, sizeof word);
-    to += sizeof word;
-  }
-  return stamp;
-}
 
 // Makes a format of a finished message: "%%" and "%m" stay, every other percent
 // sign is doubled and shows as it stands.  Nobody passed arguments for it, and a
@@ -109,27 +79,6 @@ void vWrLog(uint32_t toStdout, const char* prefix, const char* message) {
   } else {
     writeSyslog(message);
   }
-}
-
-LogStamp takeStamp() {
-  timeval now{};
-  tm local{};
-  if (gettimeofday(&now, nullptr) != 0 || localtime_r(&now.tv_sec, &local) == nullptr) {
-    return published();
-  }
-  // The year 2000 prints as "100" and January as "00"; callers rely on both.
-  const int year = local.tm_year > 100 ? local.tm_year - 100 : local.tm_year;
-  LogStamp stamp;
-  sprintf_zot(stamp.text, sizeof stamp.text, "%02d-%02d-%02d %02d:%02d:%02d,%03ld", year, local.tm_mon,
-              local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,
-              static_cast<long>(now.tv_usec / 1000));
-  publish(stamp);
-  return stamp;
-}
-
-const char* cpszGetTime() {
-  takeStamp();
-  return reinterpret_cast<const char*>(sharedStamp);
 }
 
 unsigned int logPid() {

@@ -32,7 +32,7 @@ class ErrnoKept {
 // All zero at first, because strncat_zot may leave its text without a terminator.
 struct Prefix {
   Prefix() {
-    strcpy_zot(text, kPrefixSize, takeStamp().text);
+    strcpy_zot(text, kPrefixSize, cpszGetTime());
     strcat_zot(text, kPrefixSize, " - ");
   }
   char text[kPrefixSize] = {};
@@ -56,17 +56,15 @@ void appendData(char* dst, unsigned int size, const void* data, long length, int
 
 }  // namespace
 
-ZotOsLog* pstLog = nullptr;
-
 void ZotOsvSetLogLevel(ZotOsLog* log, uint32_t mask) {
-  if (log != nullptr && log->level != nullptr) {
-    std::atomic_ref(*log->level).fetch_or(mask, std::memory_order_relaxed);
+  if (uint32_t* const word = levelWord(log); word != nullptr) {
+    std::atomic_ref(*word).fetch_or(mask, std::memory_order_relaxed);
   }
 }
 
 void ZotOsvResLogLevel(ZotOsLog* log, uint32_t mask) {
-  if (log != nullptr && log->level != nullptr) {
-    std::atomic_ref(*log->level).fetch_and(~mask, std::memory_order_relaxed);
+  if (uint32_t* const word = levelWord(log); word != nullptr) {
+    std::atomic_ref(*word).fetch_and(~mask, std::memory_order_relaxed);
   }
 }
 

@@ -42,10 +42,6 @@ typedef struct ZotOsLog {
   ZotOsMmfHandle handle;  // of the shared block
 } ZotOsLog;
 
-// The process's log object, null until its first named semaphore.  It is shared
-// inside the library only and not exported; a program makes its own object.
-extern ZotOsLog* pstLog __attribute__((visibility("hidden")));
-
 // Set bits in the level word, clear bits in it, read it (0 for a null object).
 ZOT_EXPORT void ZotOsvSetLogLevel(ZotOsLog* log, uint32_t mask);
 ZOT_EXPORT void ZotOsvResLogLevel(ZotOsLog* log, uint32_t mask);
@@ -53,7 +49,7 @@ ZOT_EXPORT uint32_t ZotOsdGetLogLevel(ZotOsLog* log);
 
 // Writes one line: "YY-MM-DD hh:mm:ss,mmm - ", the message and a newline.  The
 // month counts from zero and the year has two digits; callers rely on both.  The
-// time is local, in the zone that the process met first.  A message of 1542
+// time is local, in the zone that the process has at the moment.  A message of 1542
 // characters or more is cut there and loses its newline.
 //
 // The system log gets the message alone, as a format: "%%" shows one percent

@@ -6,6 +6,8 @@
 #include <cstdlib>
 
 #include "log/LogLineInternal.h"
+#include "log/LogObjectInternal.h"
+#include "os/SharedBlockLock.h"
 #include "os/SharedControlBlock.h"
 #include "os/ZotOsSync.h"
 #include "os/ZotOsSystem.h"
@@ -65,22 +67,9 @@ void storeResult(uint32_t* result, uint32_t value) {
   }
 }
 
-// This process's count of open semaphores; the threads may open and close at once.
-std::atomic_ref<uint32_t> localSemCount() {
-  return std::atomic_ref(pstLog->LocSemCnt);
-}
-
-// Makes the process's log object if there is none, and takes the shared block
-// from it; errno as the failed step left it.
+// Makes the process's log object if there is none; errno as the failed step left it.
 bool attachLog() {
-  if (processLog() == nullptr) {
-    std::atomic_ref(pstLog).store(ZotOspLogNew(), std::memory_order_release);
-  }
-  const ZotOsLog* log = processLog();
-  if (log != nullptr) {
-    pstShm = static_cast<SharedControlBlock*>(log->handle.address);
-  }
-  return log != nullptr;
+  return pstLog.load() != nullptr || beginProcessLog();
 }
 
 void clearTable(SharedControlBlock& shm) {
@@ -120,7 +109,7 @@ uint32_t claimSlot(SharedControlBlock& shm, int32_t semId) {
 // of them and, with a key, in the table.
 void countOpened(const char* function, int letter, int32_t semId, bool keyed) {
   SharedControlBlock& shm = *pstShm;
-  const uint32_t local = ++localSemCount();
+  const uint32_t local = ++pstLog.load()->LocSemCnt;
   shm.GlobSemCnt.increment();
   if (keyed && fIncNamedSemCnt(static_cast<uint32_t>(semId)) == 0) {
     ZOT_LINE(ZOT_LOG_ERROR, "ERROR %s%c(%d): shared mem not installed or runs over", function, letter, semId);
@@ -149,6 +138,12 @@ bool stillReferenced(SharedControlBlock& shm, int32_t semId) {
   return count != 0;
 }
 
+// This process's count of open semaphores.
+uint32_t localSemCount() {
+  const ZotOsLog* const log = pstLog;
+  return log != nullptr ? log->LocSemCnt : 0;
+}
+
 void logClosing(int letter, int32_t semId) {
   SharedControlBlock* const shm = pstShm;
   ZOT_LINE_IDS(ZOT_LOG_TRACE, "TRACE ZotOsClose%c(%d): LocSemCnt=%d Shm=%p (pid=%u tid=%ld)", letter, semId,
@@ -165,64 +160,38 @@ void countClosed() {
     const uint32_t open = shm->GlobSemCnt.decrement();
     ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsClose shm: GlobSemCnt=%u", open);
   }
-  if (processLog() == nullptr) {
+  ZotOsLog* const log = pstLog;
+  if (log == nullptr) {
     return;
   }
-  if (const uint32_t local = --localSemCount(); local == 0) {
+  if (const uint32_t local = --log->LocSemCnt; local == 0) {
     ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsClose: DeleteLog=%u", local);
-    pstShm = nullptr;  // goes first: the block is unmapped with the log object
-    ZotOsvLogDelete(&pstLog);
+    endProcessLog();
   }
 }
 
-}  // namespace
-
-uint32_t ZotOsCreate(int32_t* semId, uint32_t key, uint32_t initialValue, uint32_t typeLetter) {
-  if (semId == nullptr) {
-    return 0;
-  }
-  const int letter = static_cast<int>(typeLetter);
+// Makes a new set that holds this value.  Returns 0 or the error number.
+int makeSet(int32_t* semId, uint32_t key, uint32_t value, int letter) {
   *semId = semget(static_cast<key_t>(key), 1, key != 0 ? IPC_CREAT | IPC_EXCL | 0666 : 0666);
-  if (*semId == -1 && errno == EEXIST) {
-    if (ZotOsOpen(semId, static_cast<int32_t>(key), typeLetter) != 0) {
-      return 1;
-    }
-    const int error = errno;
-    ZOT_LINE_ERR_IDS(
-        ZOT_LOG_FATAL, error,
-        "FATAL ZotOsCreate%c: key=0x%X already created, but ZotOsOpen failed (%d=%s pid=%u tid=%ld)", letter,
-        key);
-    return 0;
-  }
   if (*semId == -1) {
     const int error = errno;
-    ZOT_LINE_ERR_IDS(ZOT_LOG_FATAL, error,
-                     "FATAL ZotOsCreate%c: semget (key=0x%X) failed (%d=%s pid=%u tid=%ld)", letter, key);
-    return 0;
+    if (error != EEXIST) {
+      ZOT_LINE_ERR_IDS(ZOT_LOG_FATAL, error,
+                       "FATAL ZotOsCreate%c: semget (key=0x%X) failed (%d=%s pid=%u tid=%ld)", letter, key);
+    }
+    return error;
   }
-  if (!setValue(*semId, initialValue)) {
+  if (!setValue(*semId, value)) {
     const int error = errno;
     ZOT_LINE_ERR_IDS(ZOT_LOG_FATAL, error, "FATAL ZotOsCreate%c: semctl failed (%d=%s pid=%u tid=%ld)",
                      letter);
     removeSet(*semId);
-    return 0;
+    return error;
   }
-  if (!attachLog()) {
-    removeSet(*semId);
-    return 0;
-  }
-  if (SharedControlBlock& shm = *pstShm; shm.GlobSemCnt.load() == 0) {
-    clearTable(shm);
-  }
-  countOpened("ZotOsCreate", letter, *semId, key != 0);
-  return 1;
+  return 0;
 }
 
-uint32_t ZotOsOpen(int32_t* semId, int32_t key, uint32_t typeLetter) {
-  if (semId == nullptr || key == 0) {
-    return 0;
-  }
-  const int letter = static_cast<int>(typeLetter);
+uint32_t openSet(int32_t* semId, int32_t key, int letter) {
   *semId = semget(key, 0, 0);
   if (*semId == -1) {
     const int error = errno;
@@ -242,6 +211,47 @@ uint32_t ZotOsOpen(int32_t* semId, int32_t key, uint32_t typeLetter) {
   }
   countOpened("ZotOsOpen", letter, *semId, true);
   return 1;
+}
+
+}  // namespace
+
+uint32_t ZotOsCreate(int32_t* semId, uint32_t key, uint32_t initialValue, uint32_t typeLetter) {
+  if (semId == nullptr) {
+    return 0;
+  }
+  const SharedBlockLock lock;
+  const int letter = static_cast<int>(typeLetter);
+  const int refused = makeSet(semId, key, initialValue, letter);
+  if (refused == EEXIST) {
+    if (openSet(semId, static_cast<int32_t>(key), letter) != 0) {
+      return 1;
+    }
+    const int error = errno;
+    ZOT_LINE_ERR_IDS(
+        ZOT_LOG_FATAL, error,
+        "FATAL ZotOsCreate%c: key=0x%X already created, but ZotOsOpen failed (%d=%s pid=%u tid=%ld)", letter,
+        key);
+  }
+  if (refused != 0) {
+    return 0;
+  }
+  if (!attachLog()) {
+    removeSet(*semId);
+    return 0;
+  }
+  if (SharedControlBlock& shm = *pstShm; shm.GlobSemCnt.load() == 0) {
+    clearTable(shm);
+  }
+  countOpened("ZotOsCreate", letter, *semId, key != 0);
+  return 1;
+}
+
+uint32_t ZotOsOpen(int32_t* semId, int32_t key, uint32_t typeLetter) {
+  if (semId == nullptr || key == 0) {
+    return 0;
+  }
+  const SharedBlockLock lock;
+  return openSet(semId, key, static_cast<int>(typeLetter));
 }
 
 uint32_t ZotOsSet(int32_t semId, uint32_t* result, uint32_t typeLetter, uint32_t flags, uint32_t timeoutMs) {
@@ -294,6 +304,7 @@ uint32_t ZotOsClose(int32_t semId, uint32_t typeLetter) {
   if (semId == -1) {
     return 1;
   }
+  const SharedBlockLock lock;
   const int letter = static_cast<int>(typeLetter);
   logClosing(letter, semId);
   SharedControlBlock* const shm = pstShm;

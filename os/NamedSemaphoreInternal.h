@@ -9,7 +9,9 @@
 // Results are 1 for success and 0 for failure, which is logged.  typeLetter is
 // 'E' for an event, 'M' for a mutex; it is printed behind the function's name and
 // caps a mutex at 1.  Waiting and releasing are atomic between processes; opens
-// and closes at the same moment may miscount the references, which is accepted.
+// and closes at the same moment in two of them may miscount the references, which
+// is accepted.  Within a process creating, opening and closing hold the
+// SharedBlockLock, so any thread may do them while others wait and release.
 #ifndef ZOT_NAMED_SEMAPHORE_INTERNAL_H
 #define ZOT_NAMED_SEMAPHORE_INTERNAL_H
 
@@ -60,7 +62,8 @@ uint32_t ZotOsClose(int32_t semId, uint32_t typeLetter);
 
 // Counts one more reference to a keyed semaphore in the shared table.  Returns 0
 // when there is no shared block, or when all 60 slots are taken, in which case
-// the total of references has risen all the same.
+// the total of references has risen all the same.  The caller holds the
+// SharedBlockLock.
 uint32_t fIncNamedSemCnt(uint32_t semId);
 
 #endif

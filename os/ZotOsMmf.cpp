@@ -13,16 +13,19 @@
 
 #include "log/LogLineInternal.h"
 #include "os/MallocedInternal.h"
+#include "os/CancellationOff.h"
+#include "os/ReservedPages.h"
 #include "os/ZotOsMmfInternal.h"
 
 namespace {
 
-// Keeps the number of the failure and makes the result 0.  The file or segment no
-// longer counts as made by this process.
-uint32_t failed(ZotOsMmfHandle& handle, int error) {
+constexpr ZotOsMmfHandle kEmpty{-1, -1, 0, nullptr, 0, {}, 0};
+
+// Keeps the number of the failure.  The file or segment no longer counts as made by
+// this process.
+void fail(ZotOsMmfHandle& handle, int error) {
   handle.created = 0;
   handle.lastError = error;
-  return 0;
 }
 
 bool openFile(ZotOsMmfHandle& handle, const char* path) {
@@ -33,7 +36,8 @@ bool openFile(ZotOsMmfHandle& handle, const char* path) {
     const int error = errno;
     ZOT_LINE_ERR(ZOT_LOG_FATAL, error, "FATAL ZotOsMmfCreate: file %s could not be %s (%d=%s)", path,
                  missing ? "created" : "opened");
-    return failed(handle, error) != 0;
+    fail(handle, error);
+    return false;
   }
   return true;
 }
@@ -48,7 +52,8 @@ bool readSize(ZotOsMmfHandle& handle, const char* path) {
   close(handle.fd);
   handle.fd = -1;
   ZOT_LINE_ERR(ZOT_LOG_ERROR, error, "ERROR ZotOsMmfCreate: file status %s could not be read (%d=%s)", path);
-  return failed(handle, error) != 0;
+  fail(handle, error);
+  return false;
 }
 
 // The file is open for appending, so one write of zeros makes it grow at its end.
@@ -59,7 +64,8 @@ bool extendFile(ZotOsMmfHandle& handle, const char* path, uint32_t size) {
   if (zeros == nullptr) {
     const int error = errno;
     ZOT_LINE_ERR(ZOT_LOG_FATAL, error, "FATAL ZotOsMmfCreate: no write buffer availabel (%d=%s)");
-    return failed(handle, error) != 0;
+    fail(handle, error);
+    return false;
   }
   const ssize_t written = write(handle.fd, zeros.get(), missing);
   if (written < 0 || static_cast<size_t>(written) != missing) {
@@ -68,7 +74,8 @@ bool extendFile(ZotOsMmfHandle& handle, const char* path, uint32_t size) {
     ZOT_LINE_ERR(ZOT_LOG_FATAL, error,
                  "FATAL ZotOsMmfCreate: write (%u bytes) to created file %s failed (%d=%s)",
                  static_cast<unsigned int>(std::max<ssize_t>(written, 0)), path);
-    return failed(handle, error) != 0;
+    fail(handle, error);
+    return false;
   }
   handle.size = size;
   return true;
@@ -81,7 +88,11 @@ uint32_t mapFile(ZotOsMmfHandle& handle) {
   // A failed mapping writes this line too; callers rely on it.
   ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsMmfCreate: mmap( %p, %d ) ok", handle.address,
            static_cast<int>(handle.size));
-  return handle.address != nullptr ? 1 : failed(handle, error);
+  if (handle.address == nullptr) {
+    fail(handle, error);
+    return 0;
+  }
+  return 1;
 }
 
 uint32_t createFile(ZotOsMmfHandle& handle, uint32_t size, const char* path) {
@@ -97,13 +108,55 @@ uint32_t createFile(ZotOsMmfHandle& handle, uint32_t size, const char* path) {
   return mapFile(handle);
 }
 
-uint32_t createSegment(ZotOsMmfHandle& handle, uint32_t size, int32_t key) {
+using Attach = void*(int shmId);  // as shmat
+
+void* attachAnywhere(int shmId) {
+  return shmat(shmId, nullptr, 0);
+}
+
+// A process that cannot attach removes the segment for everybody.
+uint32_t fMmfAttach(ZotOsMmfHandle& handle, Attach* attach) {
+  void* const block = attach(handle.shmId);
+  // shmat answers (void*)-1 for a failure, which is also MAP_FAILED.
+  if (block == MAP_FAILED) {
+    const int error = errno;
+    ZOT_LINE_ERR(ZOT_LOG_FATAL, error, "FATAL fMmfAttach: shmat failed (%d=%s)");
+    shmctl(handle.shmId, IPC_RMID, nullptr);
+    handle.shmId = -1;
+    handle.address = nullptr;
+    handle.lastError = error;
+    return 0;
+  }
+  handle.address = block;
+  shmid_ds status{};
+  if (shmctl(handle.shmId, IPC_STAT, &status) == 0) {
+    ZOT_LINE(ZOT_LOG_TRACE, "TRACE fMmfAttach(%d): shm (addr=%p) is attached now: %lu", handle.shmId, block,
+             static_cast<unsigned long>(status.shm_nattch));
+  }
+  return 1;
+}
+
+uint32_t openSegment(ZotOsMmfHandle& handle, int32_t key, Attach* attach) {
+  handle.shmId = shmget(key, 0, 0);
+  if (handle.shmId != -1) {
+    ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsMmfOpen(%d): shm (key=0x%X) is opened", handle.shmId,
+             static_cast<unsigned int>(key));
+    return fMmfAttach(handle, attach);
+  }
+  handle.lastError = errno;
+  ZOT_LINE_ERR(ZOT_LOG_ERROR, handle.lastError, "ERROR ZotOsMmfOpen: open shm (key=0x%X) failed (%d=%s)",
+               static_cast<unsigned int>(key));
+  return 0;
+}
+
+uint32_t createSegment(ZotOsMmfHandle& handle, uint32_t size, int32_t key, Attach* attach) {
   handle.shmId = shmget(key, size, IPC_CREAT | IPC_EXCL | 0666);
   if (handle.shmId != -1) {
     ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsMmfCreate(%d): shm (key=0x%X) is created", handle.shmId,
              static_cast<unsigned int>(key));
-    handle.created = 1;
-    return fMmfAttach(&handle) != 0 ? 1 : failed(handle, handle.lastError);
+    const uint32_t attached = fMmfAttach(handle, attach);
+    handle.created = attached != 0 ? 1 : 0;
+    return attached;
   }
   int error = errno;
   handle.lastError = error;
@@ -112,7 +165,7 @@ uint32_t createSegment(ZotOsMmfHandle& handle, uint32_t size, int32_t key) {
                  static_cast<unsigned int>(key));
     return 0;
   }
-  if (ZotOsMmfOpen(&handle, 0, key) != 0) {
+  if (openSegment(handle, key, attach) != 0) {
     return 1;
   }
   error = handle.lastError;
@@ -141,7 +194,7 @@ uint32_t closeFile(ZotOsMmfHandle& handle) {
 
 uint32_t detachSegment(ZotOsMmfHandle& handle) {
   ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsMmfClose(%d): detach shm (%p)", handle.shmId, handle.address);
-  if (shmdt(handle.address) != 0) {
+  if (detachBlock(handle.address) != 0) {
     const int error = errno;
     ZOT_LINE_ERR(ZOT_LOG_ERROR, error, "ERROR ZotOsMmfClose(%d): shm detaching failed (%d=%s)", handle.shmId);
   }
@@ -170,51 +223,19 @@ uint32_t ZotOsMmfCreate(ZotOsMmfHandle* handle, uint32_t size, const char* fileP
   if (handle == nullptr) {
     return 0;
   }
-  *handle = ZotOsMmfHandle{};
-  handle->fd = -1;
-  handle->shmId = -1;
+  const CancellationOff uncancelled;
+  *handle = kEmpty;
   const bool file = filePath != nullptr && *filePath != '\0';
-  return file ? createFile(*handle, size, filePath) : createSegment(*handle, size, key);
+  return file ? createFile(*handle, size, filePath) : createSegment(*handle, size, key, attachAnywhere);
+}
+
+uint32_t fMmfCreateReserved(ZotOsMmfHandle* handle, uint32_t size, int32_t key) {
+  *handle = kEmpty;
+  return createSegment(*handle, size, key, attachReserved);
 }
 
 uint32_t ZotOsMmfOpen(ZotOsMmfHandle* handle, uint32_t /*reserved*/, int32_t key) {
-  if (handle == nullptr) {
-    return 0;
-  }
-  handle->shmId = shmget(key, 0, 0);
-  if (handle->shmId != -1) {
-    ZOT_LINE(ZOT_LOG_TRACE, "TRACE ZotOsMmfOpen(%d): shm (key=0x%X) is opened", handle->shmId,
-             static_cast<unsigned int>(key));
-    return fMmfAttach(handle);
-  }
-  handle->lastError = errno;
-  ZOT_LINE_ERR(ZOT_LOG_ERROR, handle->lastError, "ERROR ZotOsMmfOpen: open shm (key=0x%X) failed (%d=%s)",
-               static_cast<unsigned int>(key));
-  return 0;
-}
-
-uint32_t fMmfAttach(ZotOsMmfHandle* handle) {
-  if (handle == nullptr) {
-    return 0;
-  }
-  void* const block = shmat(handle->shmId, nullptr, 0);
-  // shmat answers (void*)-1 for a failure, which is also MAP_FAILED.
-  if (block == MAP_FAILED) {
-    const int error = errno;
-    ZOT_LINE_ERR(ZOT_LOG_FATAL, error, "FATAL fMmfAttach: shmat failed (%d=%s)");
-    shmctl(handle->shmId, IPC_RMID, nullptr);
-    handle->shmId = -1;
-    handle->address = nullptr;
-    handle->lastError = error;
-    return 0;
-  }
-  handle->address = block;
-  shmid_ds status{};
-  if (shmctl(handle->shmId, IPC_STAT, &status) == 0) {
-    ZOT_LINE(ZOT_LOG_TRACE, "TRACE fMmfAttach(%d): shm (addr=%p) is attached now: %lu", handle->shmId, block,
-             static_cast<unsigned long>(status.shm_nattch));
-  }
-  return 1;
+  return handle != nullptr ? openSegment(*handle, key, attachAnywhere) : 0;
 }
 
 uint32_t ZotOsMmfFlush(ZotOsMmfHandle* /*handle*/, void* address, uint32_t length) {
@@ -236,6 +257,7 @@ uint32_t ZotOsMmfClose(ZotOsMmfHandle* handle) {
   if (handle == nullptr) {
     return 0;
   }
+  const CancellationOff uncancelled;
   if (handle->shmId == -1) {
     return closeFile(*handle);
   }

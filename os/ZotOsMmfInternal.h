@@ -1,11 +1,11 @@
-// The step that creating and opening a segment share.
+// The way in which the process's own log object has its segment.
 #ifndef ZOT_OS_MMF_INTERNAL_H
 #define ZOT_OS_MMF_INTERNAL_H
 
 #include "os/ZotOsMmf.h"
 
-// Attaches the segment named by shmId.  A failure removes the segment from the
-// system, empties shmId and address and leaves shmat's number in lastError.
-uint32_t fMmfAttach(ZotOsMmfHandle* handle);
+// ZotOsMmfCreate of a segment, attached at the process's reserved pages.  The caller
+// holds the SharedBlockLock.
+uint32_t fMmfCreateReserved(ZotOsMmfHandle* handle, uint32_t size, int32_t key);
 
 #endif

@@ -18,7 +18,6 @@ unsigned char bSslInit = 0;
 
 std::atomic<int32_t> dZotOsUpTime{0};
 std::atomic<uint8_t> fShutdown{0};
-std::atomic<SharedControlBlock*> pstShm{nullptr};
 
 void ZotOsInit(void) {
   int32_t unset = 0;

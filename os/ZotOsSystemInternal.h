@@ -5,15 +5,10 @@
 #include <atomic>
 #include <cstdint>
 
-struct SharedControlBlock;
-
 // Seconds since the epoch at which ZotOsInit first ran; 0 before that.
 extern std::atomic<int32_t> dZotOsUpTime;
 
 // 1 from ZotOsSetShutdown to ZotOsSetSystemUp.
 extern std::atomic<uint8_t> fShutdown;
-
-// The shared block as this process has it attached; null without a log object.
-extern std::atomic<SharedControlBlock*> pstShm;
 
 #endif

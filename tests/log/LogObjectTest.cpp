@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "os/SharedControlBlock.h"
+#include "os/ZotOsSync.h"
 #include "os/ZotOsSystemInternal.h"
 #include "support/CallScript.h"
 #include "support/Child.h"
@@ -33,7 +34,7 @@ TEST(LogObject, OfTheFirstProcessMakesTheBlock) {
   ZotOsLog* log = ZotOspLogNew();
   ASSERT_NE(nullptr, log);
   EXPECT_NE(0, dZotOsUpTime);
-  EXPECT_EQ(nullptr, pstLog) << "its caller stores it there";
+  EXPECT_EQ(nullptr, pstLog.load()) << "only named semaphores set it";
   std::ifstream table("/proc/sysvipc/shm");
   std::string row;
   while (std::getline(table, row) && row.find("32777") == std::string::npos) {
@@ -48,9 +49,10 @@ TEST(LogObject, OfTheFirstProcessMakesTheBlock) {
   const int id = log->handle.shmId;
   EXPECT_EQ(filled("TRACE ZotOsMmfClose(ID): shm 1 attached processes\nTRACE ZotOsMmfClose(ID): close shm\n",
                    {{"ID", id}}),
-            stampless([] { ZotOsvLogDelete(&pstLog); }));
-  EXPECT_EQ(nullptr, pstLog);
-  ZotOsvLogDelete(&pstLog);
+            stampless([&] { ZotOsvLogDelete(&log); }));
+  pstLog = nullptr;
+  EXPECT_EQ(nullptr, log);
+  ZotOsvLogDelete(&log);
   EXPECT_EQ(-1, shmget(0x8009, 0, 0));
 }
 
@@ -78,6 +80,20 @@ TEST(LogObject, SharesItsLevelWithOtherProcesses) {
   log = ZotOspLogNew();
   EXPECT_EQ(0u, ZotOsdGetLogLevel(log)) << "the last one took the level along";
   ZotOsvLogDelete(&log);
+}
+
+TEST(LogObject, LetsGoOfABlockThatItRemoved) {
+  ZotOsMutexHandle* mutex = nullptr;
+  ASSERT_EQ(2u, ZotOsMutexCreate(&mutex, 1) + ZotOsMutexClose(mutex));
+  ZotOsLog* log = ZotOspLogNew();
+  ZotOsvLogDelete(&log);
+  ZotOsMmfHandle handle;
+  uint32_t word = 0, *level = nullptr;
+  ASSERT_EQ(1u, fnfOpenShm(&handle, &word, &level));
+  fnvCloseShm(&handle);
+  std::ifstream table("/proc/sysvipc/shm");
+  const std::string rows{std::istreambuf_iterator<char>(table), {}};
+  EXPECT_EQ(1, std::count(rows.begin(), rows.end(), '\n')) << rows;
 }
 
 TEST(LogObject, AttachesACallersHandleOrNothing) {

@@ -69,6 +69,19 @@ TEST(LogLine, IsStampMessageAndNewline) {
   pinnedTime = {};
 }
 
+TEST(LogLine, HasTheTimeOfItsZoneAndThread) {
+  pinnedTime = {1768465805, 123999};
+  const char* const mine = cpszGetTime();
+  for (const auto& [zone, hour] : {std::pair("UTC", "08"), {"AAA-2", "10"}, {"AAA-3", "11"}, {"UTC", "08"}}) {
+    setenv("TZ", zone, 1);
+    EXPECT_EQ("26-00-15 " + std::string(hour) + ":30:05,123", cpszGetTime());
+  }
+  pinnedTime.tv_sec += 60;
+  std::thread([&] { EXPECT_STREQ("26-00-15 08:31:05,123", cpszGetTime()); }).join();
+  EXPECT_STREQ("26-00-15 08:30:05,123", mine);
+  pinnedTime = {};
+}
+
 TEST(LogLine, IsWrittenWhenMaskAndLevelShareMoreThanBitZero) {
   const std::tuple<uint32_t, uint32_t, bool> cases[] = {
       {0x20000001, 0x20000000, true}, {0x20000001, 0x40000000, false}, {0x00000001, 0xFFFFFFFF, false},

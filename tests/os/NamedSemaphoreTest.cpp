@@ -4,8 +4,11 @@
 
 #include <cstring>
 #include <list>
+#include <thread>
 
 #include "SyncCalls.h"
+#include "log/LogLineInternal.h"
+#include "os/SharedBlockLock.h"
 #include "os/SharedControlBlock.h"
 #include "os/ZotOsSync.h"
 #include "os/ZotOsSystem.h"
@@ -31,8 +34,8 @@ class Named : public testing::Test {
   };
 
   ~Named() override {
-    EXPECT_EQ(nullptr, pstLog) << "a semaphore is open still";
-    EXPECT_EQ(nullptr, pstShm.load());
+    EXPECT_EQ(nullptr, pstLog.load()) << "a semaphore is open still";
+    EXPECT_EQ(nullptr, pstShm);
     ZotOsvLogDelete(&watch);
     munmap(&shared, sizeof shared);
   }
@@ -136,7 +139,7 @@ TEST_F(Named, SixtyFitTheTableAndOneMoreOnlyWorks) {
   EXPECT_EQ(
       "ERROR ZotOsCreateM(" + std::to_string(last->semId) + "): shared mem not installed or runs over\n",
       text);
-  EXPECT_EQ(61u, pstLog->LocSemCnt);
+  EXPECT_EQ(61u, pstLog.load()->LocSemCnt);
   EXPECT_EQ((Words{2, 61, 61, 60}), words(0));
   EXPECT_EQ(all[59]->semId, block.cnt[59].semId.load());
   EXPECT_EQ(1u, ZotOsMutexClose(last));
@@ -175,6 +178,35 @@ TEST_F(Named, AnOpenNeedsALogObjectAndDoesNotSetTheTableUp) {
   });
   EXPECT_EQ(filled("FATAL ZotOsOpenE(" + std::to_string(id) + "): pstLog is not created (IDS)"), refused.err);
   EXPECT_EQ(0, semctl(id, 0, IPC_RMID));
+}
+
+// Each mutex is the process's first and last again and again.
+TEST_F(Named, ThreadsComeAndGoWhileOthersLogAndFork) {
+  ZotOsMutexHandle* local = nullptr;
+  ASSERT_EQ(1u, ZotOsMutexCreate(&local, 0));
+  std::atomic<int> running{2};
+  const auto comeAndGo = [&](uint32_t key) {
+    for (int i = 0; i < 1000; ++i) {
+      ZotOsMutexHandle* mutex = nullptr;
+      ASSERT_EQ(1u, ZotOsMutexCreate(&mutex, key));
+      ASSERT_EQ(1u, ZotOsMutexClose(mutex));
+    }
+    --running;
+  };
+  const auto log = [&] {
+    while (running != 0) {
+      EXPECT_EQ(2u, ZotOsMutexWait(local, -1, nullptr) + ZotOsMutexRelease(local));
+    }
+  };
+  std::thread one(comeAndGo, kKey), two(comeAndGo, kKey + 1), three(log);
+  while (running != 0) {
+    ZotOsMutexHandle* none = nullptr;
+    EXPECT_EQ(0, runInChild([&] { return static_cast<int>(ZotOsMutexOpen(&none, 1)); }));
+  }
+  one.join(), two.join(), three.join();
+  block.MaxNamedIdx.store(0);  // 1 or 2
+  EXPECT_EQ((Words{1, 0, 0, 0}), words(0));
+  EXPECT_EQ(1u, ZotOsMutexClose(local));
 }
 
 // Four processes open three mutexes each, one process after the other, then count

@@ -9,7 +9,7 @@
 #include <map>
 #include <sstream>
 
-#include "log/ZotLog.h"
+#include "log/LogLineInternal.h"
 
 namespace zot_test {
 
