@@ -3,14 +3,21 @@
 #define EXCHANGE_FRONT_END_H
 
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "Channel.h"
 #include "Settings.h"
 
-// Sends the settings, damaged on the way as asked, and shows the message and the
-// answer.  damage: 0 and above inverts the byte at that offset, below 0 cuts as
-// many bytes off the end.  Returns the program's exit status.
-int runFrontEnd(Channel& service, const std::vector<Setting>& settings, std::optional<long> damage);
+// What becomes of the message on its way.
+struct Sending {
+  // 0 and above inverts the byte at that offset, below 0 cuts as many bytes off the end.
+  std::optional<long> damage;
+  std::string copy;  // the file that gets what is sent; empty: none
+};
+
+// Sends the settings and shows the message and the answer.  Returns the program's
+// exit status.
+int runFrontEnd(Channel& service, const std::vector<Setting>& settings, const Sending& sending);
 
 #endif

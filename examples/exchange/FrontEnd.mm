@@ -55,7 +55,7 @@ int showAnswer(Channel& service) {
   return EXIT_SUCCESS;
 }
 
-int exchange(Channel& service, const std::vector<Setting>& settings, std::optional<long> damage) {
+int exchange(Channel& service, const std::vector<Setting>& settings, const Sending& sending) {
   ZOTMifBuffer* buffer = [[[ZOTMifBuffer alloc] init] autorelease];
   for (const Setting& setting : settings) {
     if (!addSetting(buffer, setting)) {
@@ -67,9 +67,14 @@ int exchange(Channel& service, const std::vector<Setting>& settings, std::option
   NSMutableData* message = [NSMutableData data];
   closeMessage(buffer, message);
   printMessage("front end: the settings", bytesOf(message));
-  if (damage && !damageMessage(message, *damage)) {
+  if (sending.damage && !damageMessage(message, *sending.damage)) {
     std::fprintf(stderr, "front end: the message has only %lu bytes to damage\n",
                  static_cast<unsigned long>([message length]));
+    return EXIT_FAILURE;
+  }
+  if (!sending.copy.empty() &&
+      ![message writeToFile:[NSString stringWithUTF8String:sending.copy.c_str()] atomically:YES]) {
+    std::fprintf(stderr, "front end: %s could not be written\n", sending.copy.c_str());
     return EXIT_FAILURE;
   }
   if (!service.send(bytesOf(message))) {
@@ -81,9 +86,9 @@ int exchange(Channel& service, const std::vector<Setting>& settings, std::option
 
 }  // namespace
 
-int runFrontEnd(Channel& service, const std::vector<Setting>& settings, std::optional<long> damage) {
+int runFrontEnd(Channel& service, const std::vector<Setting>& settings, const Sending& sending) {
   NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-  const int status = exchange(service, settings, damage);
+  const int status = exchange(service, settings, sending);
   [pool release];
   return status;
 }

@@ -22,14 +22,15 @@ constexpr int kUsageStatus = 2;
 constexpr int kCrashStatus = 3;
 
 constexpr char kUsage[] =
-    "usage: exchange [--damage N] [NAME=VALUE ...]\n"
+    "usage: exchange [--damage N] [--write FILE] [NAME=VALUE ...]\n"
     "       exchange --help\n"
     "\n"
     "Sends settings to a service in another process, which rounds the interval up to whole\n"
     "minutes, takes the token out and answers.  Shows both messages as a table of records and\n"
     "in hex, and what each side reads in them.\n"
     "\n"
-    "  --damage N  on the way, invert the byte at offset N; below 0: cut -N bytes off the end\n"
+    "  --damage N    on the way, invert the byte at offset N; below 0: cut -N bytes off the end\n"
+    "  --write FILE  save the message as it is sent, for zot-mif dump --fields fields.txt FILE\n"
     "\n"
     "Without a NAME=VALUE the settings come from the settings.txt beside the program: one\n"
     "NAME = VALUE a line; blank lines and those that begin with '#' do not count.\n"
@@ -49,7 +50,7 @@ constexpr char kUsage[] =
     "2 for a wrong command line or settings file, 3 when the service crashed.\n";
 
 struct Options {
-  std::optional<long> damage;
+  Sending sending;
   std::vector<Setting> settings;
 };
 
@@ -87,16 +88,22 @@ std::optional<std::vector<Setting>> gatherSettings(char** first, char** last, st
 
 // Ends the program when there is nothing to run.
 Options parseCommandLine(int argc, char** argv) {
-  const option longOptions[] = {
-      {"damage", required_argument, nullptr, 'd'}, {"help", no_argument, nullptr, 'h'}, {}};
+  const option longOptions[] = {{"damage", required_argument, nullptr, 'd'},
+                                {"help", no_argument, nullptr, 'h'},
+                                {"write", required_argument, nullptr, 'w'},
+                                {}};
   Options options;
   for (int found; (found = getopt_long(argc, argv, "", longOptions, nullptr)) != -1;) {
     if (found == 'h') {
       std::fputs(kUsage, stdout);
       std::exit(EXIT_SUCCESS);
     }
-    options.damage = found == 'd' ? parseDamage(optarg) : std::nullopt;
-    if (!options.damage) {
+    if (found == 'w') {
+      options.sending.copy = optarg;
+      continue;
+    }
+    options.sending.damage = found == 'd' ? parseDamage(optarg) : std::nullopt;
+    if (!options.sending.damage) {
       std::fputs(kUsage, stderr);
       std::exit(kUsageStatus);
     }
@@ -134,7 +141,7 @@ int main(int argc, char** argv) {
   int status = EXIT_FAILURE;
   {
     Channel toService(ends[0]);
-    status = runFrontEnd(toService, options.settings, options.damage);
+    status = runFrontEnd(toService, options.settings, options.sending);
   }
   int serviceStatus = 0;
   waitpid(service, &serviceStatus, 0);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <cstdio>
+#include <iostream>
 
 #include "tools/common/Output.h"
 #include "tools/common/Progress.h"
@@ -38,7 +39,7 @@ CommandLine::CommandLine(const std::string& name, const std::string& what) : app
 CLI::App* CommandLine::add(const std::string& name, const std::string& what, const std::string& example,
                            std::function<Exit()> work, CLI::App* parent) {
   CLI::App* const command = (parent != nullptr ? parent : &app_)->add_subcommand(name, what);
-  command->footer("\nExample:\n  " + example);
+  command->footer("Example:\n  " + example);
   // A subcommand below this one replaces the work: its callback runs later.
   command->callback([this, command, work = std::move(work)] {
     if (command->get_subcommands().empty()) {
@@ -54,7 +55,8 @@ int CommandLine::run(int argc, char** argv) {
     app_.parse(argc, argv);
   } catch (const CLI::Success& wanted) {  // --help, --version
     app_.exit(wanted);
-    return std::fflush(stdout) == 0 ? statusOf(Exit::Done) : complain(program, "standard output is full");
+    return std::cout.good() ? statusOf(Exit::Done)
+                            : complain(program, "standard output could not be written");
   } catch (const CLI::ParseError& error) {
     return complain(program, fmt::format("{}\nTry '{} --help'.", error.what(), program));
   }

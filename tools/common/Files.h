@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace tool {
 
@@ -17,6 +18,9 @@ std::string shownName(const std::string& path);
 class Input {
  public:
   explicit Input(const std::string& path);
+
+  // Takes over a stream; messages call it name.
+  Input(std::FILE* stream, std::string name) : name_(std::move(name)), stream_(stream) {}
 
   // The next line without its end; false at the end of the file.  Throws Failure on a
   // read error and on a line of more than `longest` bytes.

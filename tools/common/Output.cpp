@@ -57,7 +57,8 @@ void Output::flush() {
 }
 
 std::string Output::paint(Colour colour, std::string_view text) const {
-  return colours_ ? fmt::format("\033[{}m{}\033[0m", codeOf(colour), text) : std::string(text);
+  return colours_ && !text.empty() ? fmt::format("\033[{}m{}\033[0m", codeOf(colour), text)
+                                   : std::string(text);
 }
 
 }  // namespace tool

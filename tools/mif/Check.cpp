@@ -1,0 +1,38 @@
+#include <fmt/format.h>
+
+#include "tools/common/Report.h"
+#include "tools/common/Text.h"
+#include "tools/mif/Commands.h"
+
+namespace mif {
+
+std::vector<tool::Finding> fieldFindings(const Message& message, const Fields& fields) {
+  std::vector<tool::Finding> findings;
+  message.eachPart([&](const Part& part) {
+    const Field* const field = part.type == Part::Type::Record ? fields.find(part.oid) : nullptr;
+    if (field != nullptr && part.missing == 0 && !fits(field->kind, part.value.size())) {
+      findings.push_back(
+          {fmt::format("{} (OID {}) has {}, {} has {}", field->name, part.oid,
+                       tool::counted(part.value.size(), "byte"), nameOf(field->kind), lengthsOf(field->kind)),
+           part.offset});
+    }
+  });
+  return findings;
+}
+
+tool::Exit check(const CheckOptions& options, tool::Output& output) {
+  const Fields fields = readFields(options.input.fields);
+  tool::Report report(output, options.json);
+  for (const std::string& file : options.files) {
+    const Message message = readMessage(file, options.input);
+    for (const tool::Finding& finding : fieldFindings(message, fields)) {
+      report.add(file, finding);
+    }
+    if (const auto fault = message.fault()) {
+      report.add(file, *fault);
+    }
+  }
+  return report.finish();
+}
+
+}  // namespace mif
