@@ -10,21 +10,30 @@ namespace {
 
 constexpr long kMaxBytes = 64;
 constexpr long kMaxNumbers = 16;
-constexpr long kBytesPerLine = 16;
+constexpr size_t kBytesPerLine = 16;
 
-// A text that grows up to a limit; all that passes it is refused whole.
+// A text that grows up to a limit.  Behind the limit there is room for one more
+// character and the terminator, which the text gets at its end.
 class Columns {
  public:
   Columns(char* text, size_t limit) : text_(text), limit_(limit) {}
+  ~Columns() { text_[at_] = '\0'; }
+  Columns(const Columns&) = delete;
+  Columns& operator=(const Columns&) = delete;
 
+  // All or nothing.
   bool append(const char* what, size_t length) {
-    if (length > limit_ - at_) {
+    if (length > room()) {
       return false;
     }
     std::memcpy(text_ + at_, what, length);
     at_ += length;
-    text_[at_] = '\0';
     return true;
+  }
+
+  // As many pieces of this length as fit.
+  void appendPieces(const char* what, size_t length, size_t count) {
+    append(what, length * std::min(count, room() / length));
   }
 
   bool blanks(size_t count) {
@@ -33,15 +42,13 @@ class Columns {
     return append(kBlanks, count);
   }
 
-  // The newline has room beyond the limit: the limit keeps two bytes back.
-  void endLine() {
-    text_[at_++] = '\n';
-    text_[at_] = '\0';
-  }
+  void endLine() { text_[at_++] = '\n'; }
 
   bool full() const { return at_ > limit_; }
 
  private:
+  size_t room() const { return full() ? 0 : limit_ - at_; }
+
   char* text_;
   size_t limit_;
   size_t at_ = 0;
@@ -52,26 +59,24 @@ char shown(unsigned char byte) {
 }
 
 // One line of 1 to 16 bytes.  Returns false when it does not fit to its end.
-bool dumpLine(Columns& columns, const unsigned char* bytes, long count) {
+bool dumpLine(Columns& columns, const unsigned char* bytes, size_t count) {
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  char groups[3 * kBytesPerLine];
+  char characters[kBytesPerLine];
+  for (size_t i = 0; i < count; ++i) {
+    groups[3 * i] = ' ';
+    groups[3 * i + 1] = kDigits[bytes[i] >> 4];
+    groups[3 * i + 2] = kDigits[bytes[i] & 0x0F];
+    characters[i] = shown(bytes[i]);
+  }
   if (!columns.blanks(9)) {
     return false;
   }
-  for (long i = 0; i < count; ++i) {
-    char group[8];
-    std::snprintf(group, sizeof group, " %02X", bytes[i]);
-    if (!columns.append(group, 3)) {
-      break;
-    }
-  }
-  if (!columns.blanks(static_cast<size_t>(3 * (kBytesPerLine - count))) || !columns.blanks(3)) {
+  columns.appendPieces(groups, 3, count);
+  if (!columns.blanks(3 * (kBytesPerLine - count)) || !columns.blanks(3)) {
     return false;
   }
-  for (long i = 0; i < count; ++i) {
-    const char character = shown(bytes[i]);
-    if (!columns.append(&character, 1)) {
-      break;
-    }
-  }
+  columns.appendPieces(characters, 1, count);
   columns.endLine();
   return true;
 }
@@ -83,8 +88,9 @@ void dumpBytes(char* dst, unsigned int size, const unsigned char* bytes, long le
     return;
   }
   Columns columns(dst + head, room - 2);
-  for (long left = std::min(length, kMaxBytes); left > 0; left -= kBytesPerLine, bytes += kBytesPerLine) {
-    if (columns.full() || !dumpLine(columns, bytes, std::min(left, kBytesPerLine))) {
+  const auto count = static_cast<size_t>(std::clamp(length, 0L, kMaxBytes));
+  for (size_t at = 0; at < count; at += kBytesPerLine) {
+    if (columns.full() || !dumpLine(columns, bytes + at, std::min(count - at, kBytesPerLine))) {
       return;
     }
   }

@@ -72,8 +72,8 @@ ZOT_EXPORT void ZotOsvvLogData(ZotOsLog* log, uint32_t mask, const void* data, l
                                const char* format, ...) ZOT_PRINTF(6, 7);
 
 // Makes a log object attached to the shared level word, which starts as 0 when
-// this process is the first.  The caller owns it and gives it to
-// ZotOsvLogDelete.  Returns null when the shared block cannot be attached.
+// this process is the first.  The caller owns it, lets no thread use it any more and
+// gives it to ZotOsvLogDelete.  Returns null when the shared block cannot be attached.
 ZOT_EXPORT ZotOsLog* ZotOspLogNew(void);
 
 // Detaches, frees and sets *log to null; does nothing when log or *log is null.
@@ -83,7 +83,8 @@ ZOT_EXPORT void ZotOsvLogDelete(ZotOsLog** log);
 // The same attachment for a caller that keeps the handle and the words itself.
 // Sets *localWord to ZOT_LOG_SILENT and *levelPtr to the shared word.
 //
-// Returns 1; returns 0 with *levelPtr at localWord when nothing is attached.
+// Returns 1; returns 0 with *levelPtr at localWord when nothing is attached, and
+// without touching anything when an argument is null.
 ZOT_EXPORT uint32_t fnfOpenShm(ZotOsMmfHandle* handle, uint32_t* localWord, uint32_t** levelPtr);
 
 // Ends what fnfOpenShm began; the level pointer must not be used afterwards.

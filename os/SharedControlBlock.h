@@ -2,9 +2,9 @@
 // the client share one log level and count the users of their named semaphores.
 //
 // 125 words of 32 bits in host order, zero-filled by the system when the segment
-// is created.  The log object attaches it (ZotOspLogNew), pstShm is its address
-// in this process, and it goes with the last process that detaches.  Programs
-// built at other times share it: no offset may ever change.
+// is created.  Log objects attach it, pstShm is where the process's own one has it,
+// and it goes with the last process that detaches.  Programs built at other times
+// share it: no offset may ever change.
 //
 // No lock guards it.  Every word is read and changed as a relaxed atomic, so a
 // single count is never lost; what spans several words, such as claiming a slot,
@@ -60,7 +60,7 @@ struct SharedControlBlock {
   SharedWord<uint32_t> GlobSemCnt;
   // References to keyed semaphores; written by fIncNamedSemCnt and ZotOsClose.
   SharedWord<uint32_t> NamedSemCnt;
-  // One past the highest slot ever used; written by fIncNamedSemCnt, never lowered.
+  // One past the highest slot used since the table was set up, which makes it 0; raised by fIncNamedSemCnt.
   SharedWord<uint32_t> MaxNamedIdx;
   Slot cnt[kNamedSlots];
 };

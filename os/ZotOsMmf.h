@@ -6,8 +6,10 @@
 // once; different handles may.  No call takes a lock: processes that race to
 // create one segment are told apart by lastError.
 //
-// Results are 1 for success and 0 for failure; a null handle is refused with 0.
-// Failures are logged, their number is kept in lastError.
+// Results are 1 for success and 0 for failure, which is logged; a null handle is
+// refused with 0, without a line.  lastError has the number of what failed in creating
+// or opening, and of an unmapping; a failed flush, detaching or removal leaves it alone.
+// A thread is not cancelled while it creates, opens or closes.
 #ifndef ZOT_OS_MMF_H
 #define ZOT_OS_MMF_H
 
@@ -38,7 +40,9 @@ typedef struct ZotOsMmfHandle {
 //
 // A file that is missing is made with permissions 0600, and one shorter than
 // size is extended with zeros; a longer one keeps its length and is mapped as a
-// whole.  When extending fails, fd stays open until ZotOsMmfClose.
+// whole.  Of a length only the low 32 bits count, so a file of 4 GiB and more is
+// compared and mapped by what is above the last multiple of 4 GiB.  When extending or
+// mapping fails, fd stays open until ZotOsMmfClose.
 //
 // A segment is made with permissions 0666, all zero.  When the key is taken, the
 // segment there is attached instead: the result is 1, created 0 and lastError
@@ -63,6 +67,10 @@ ZOT_EXPORT uint32_t ZotOsMmfFlush(ZotOsMmfHandle* handle, void* address, uint32_
 // null).  The only process attached removes the segment (shmId becomes -1 too),
 // and its own mapping stays readable until it exits.  A segment that is gone
 // already counts as closed.
+//
+// Only what creating or opening filled in may be closed, and once: a handle of zeros
+// means descriptor 0 and segment 0; a second close closes whatever has the number
+// now, or counts the one process that is left as the last and removes its segment.
 ZOT_EXPORT uint32_t ZotOsMmfClose(ZotOsMmfHandle* handle);
 
 #ifdef __cplusplus

@@ -9,8 +9,19 @@
 // is the caller's fault.  A process must close what it named: the last close
 // anywhere removes the semaphore, and a process that dies leaves a mutex taken.
 //
-// Results are 1 for success and 0 for failure; failures are logged.  Waits also
-// report through *result: kZotOsWait... below.
+// The first named object that a process creates or opens makes the process's log and
+// attaches the block of shared memory with the log level and the counts of users
+// (docs/shared-control-block.md); closing the last one ends both.  Before and after
+// that the library writes no line.  The block counts 60 keys at a time: one more
+// object works and is removed by the first close of it.
+//
+// A forked child may use its parent's handles but must not close the named ones: that
+// would take back a reference which the parent counts on.  It opens them by their key.
+//
+// Results are 1 for success and 0 for failure, which is logged.  Silent are the key 0
+// where one must be open, a local event that cannot be locked or waited for, and a
+// creation for which there is no log.  Waits also report through *result:
+// kZotOsWait... below.
 #ifndef ZOT_OS_SYNC_H
 #define ZOT_OS_SYNC_H
 
@@ -53,7 +64,7 @@ typedef struct ZotOsMutexHandle {
 // Creates an event that is not set.  A named one that exists already is opened
 // and keeps its value.
 //
-//   event  out: the handle, null on failure
+//   event  out: the handle, null on failure; must not be null itself
 //   key    0: local; otherwise the System V key, used as it is
 ZOT_EXPORT uint32_t ZotOsEventCreate(ZotOsEventHandle** event, uint32_t key);
 

@@ -84,7 +84,11 @@ TEST(LogObject, SharesItsLevelWithOtherProcesses) {
 
 TEST(LogObject, LetsGoOfABlockThatItRemoved) {
   ZotOsMutexHandle* mutex = nullptr;
-  ASSERT_EQ(2u, ZotOsMutexCreate(&mutex, 1) + ZotOsMutexClose(mutex));
+  ASSERT_EQ(1u, ZotOsMutexCreate(&mutex, 1));
+  const uint32_t* const read = pstLog.load()->level;
+  ZotOsvSetLogLevel(pstLog, 0x10);
+  ASSERT_EQ(1u, ZotOsMutexClose(mutex));
+  EXPECT_EQ(0u, *read) << "another thread may just be looking there";
   ZotOsLog* log = ZotOspLogNew();
   ZotOsvLogDelete(&log);
   ZotOsMmfHandle handle;
