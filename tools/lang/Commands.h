@@ -1,0 +1,38 @@
+// The subcommands of zot-lang: functions from options to what they print.  All throw
+// tool::Failure where they can't look.
+#ifndef ZOT_TOOLS_LANG_COMMANDS_H
+#define ZOT_TOOLS_LANG_COMMANDS_H
+
+#include <string>
+#include <vector>
+
+#include "tools/common/Failure.h"
+#include "tools/common/Output.h"
+
+namespace lang {
+
+struct BuildOptions {
+  std::vector<std::string> catalogues;
+  std::string output;    // a directory, or "-"
+  std::string base;      // name without extension; empty: default names
+  std::string language;  // number or code; empty: as the catalogues say
+  std::string order;     // "little", "big"; empty: as the catalogues say, or this host's
+};
+
+struct DumpOptions {
+  std::string file = "-";
+  std::string reference;
+  std::string order;
+  bool table = false;
+  bool json = false;
+};
+
+// What keeps a file from being built is told on `errors`; then none is written.
+tool::Exit build(const BuildOptions& options, tool::Output& errors);
+
+// What the listing, or a file built of it, lacks is told on `errors`.
+tool::Exit dump(const DumpOptions& options, tool::Output& output, tool::Output& errors);
+
+}  // namespace lang
+
+#endif
