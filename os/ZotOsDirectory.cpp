@@ -81,12 +81,11 @@ bool deleteEntry(TreeLevel& level, const char* path, const dirent& entry, Entere
   if (!plain && fstatat(directory, entry.d_name, &status, 0) != 0) {
     return false;
   }
-  const int length = sprintf_zot(level.entry, sizeof level.entry, "%s/%s", path, entry.d_name);
-  // A cut path is the name of something else.
-  if (length < 0 || static_cast<size_t>(length) >= sizeof level.entry) {
-    return true;
+  if (std::strlen(path) + 1 + std::strlen(entry.d_name) >= sizeof level.entry) {
+    return true;  // a cut path is the name of something else
   }
   if (!plain && S_ISDIR(status.st_mode)) {
+    sprintf_zot(level.entry, sizeof level.entry, "%s/%s", path, entry.d_name);
     deleteTree(level.entry, entered);
     return true;
   }

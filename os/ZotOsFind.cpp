@@ -119,7 +119,9 @@ uint32_t ZotOsFindNext(ZotOsFindData* find, char* name, uint32_t* type, uint32_t
   }
   strcpy_zot(name, ZOT_OS_FIND_TEXT, entry->d_name);
   char path[ZOT_OS_FIND_TEXT];
-  sprintf_zot(path, sizeof path, "%s/%s", find->path, name);
+  strcpy_zot(path, sizeof path, find->path);
+  strcat_zot(path, sizeof path, "/");
+  strcat_zot(path, sizeof path, name);
   struct stat status;
   if (stat(path, &status) != 0) {
     return 0;

@@ -9,13 +9,13 @@
 #include "support/FailingHeap.h"
 #include "support/TemporaryDirectory.h"
 
-// The scripts of these functions.  A negative entry is the number of bytes that
-// read and write move at most.
+// The scripts of these functions; that of copy_file_range is "kernel".  A negative entry is
+// the number of bytes that read, write and copy_file_range move at most.
 struct Script {
-  zot_test::CallScript close = {}, fchmod = {}, fchown = {}, read = {}, utime = {}, write = {};
+  zot_test::CallScript close = {}, fchmod = {}, fchown = {}, kernel = {}, read = {}, utime = {}, write = {};
 };
 static Script script;
-static int flagsAtLastWrite = -1;
+static int flagsOfCopy = -1;
 
 #define FAILED (errno = entry, -1)
 
@@ -23,12 +23,18 @@ static int flagsAtLastWrite = -1;
 extern "C" {
 
 ZOT_SCRIPTED(script.fchmod, int, fchmod, (int file, mode_t mode), (file, mode), FAILED)
-ZOT_SCRIPTED(script.fchown, int, fchown, (int file, uid_t owner, gid_t group), (file, owner, group), FAILED)
+ZOT_SCRIPTED(script.fchown, int, fchown, (int file, uid_t owner, gid_t group),
+             ((flagsOfCopy = fcntl(file, F_GETFD), file), owner, group), FAILED)
 ZOT_SCRIPTED(script.utime, int, utime, (const char* path, const utimbuf* times), (path, times), FAILED)
 ZOT_SCRIPTED(script.read, ssize_t, read, (int file, void* bytes, size_t count), (file, bytes, count),
              entry > 0 ? FAILED : __real_read(file, bytes, std::min(count, static_cast<size_t>(-entry))))
-ZOT_SCRIPTED(script.write, ssize_t, write, (int file, const void* bytes, size_t count),
-             ((flagsAtLastWrite = fcntl(file, F_GETFD), file), bytes, count),
+ZOT_SCRIPTED(script.kernel, ssize_t, copy_file_range,
+             (int from, off64_t* fromAt, int to, off64_t* toAt, size_t count, unsigned int flags),
+             (from, fromAt, to, toAt, count, flags),
+             entry > 0 ? FAILED
+                       : __real_copy_file_range(from, fromAt, to, toAt,
+                                                std::min(count, static_cast<size_t>(-entry)), flags))
+ZOT_SCRIPTED(script.write, ssize_t, write, (int file, const void* bytes, size_t count), (file, bytes, count),
              entry > 0 ? FAILED : __real_write(file, bytes, std::min(count, static_cast<size_t>(-entry))))
 
 int __real_close(int file);
@@ -90,7 +96,7 @@ TEST_F(File, CopyKeepsBytesModeOwnerAndTimes) {
     EXPECT_EQ(04755u, copy.st_mode & 07777u);
     EXPECT_TRUE(!root || (copy.st_uid == 12 && copy.st_gid == 34));
     EXPECT_EQ(1000000000, copy.st_mtime);
-    EXPECT_EQ(FD_CLOEXEC, flagsAtLastWrite);
+    EXPECT_EQ(FD_CLOEXEC, flagsOfCopy);
   }
   umask(before);
 }
@@ -100,6 +106,7 @@ TEST_F(File, CopyThatFailsLeavesNoBitsBeyondThoseOfTheSource) {
   writeFile("existing", "open to everybody");
   for (const char* destination : {"new", "existing"}) {
     chmod(destination, 06646);
+    script.kernel = {ENOSPC};
     script.write = {-100, ENOSPC};
     EXPECT_EQ(0u, ZotOsCopyFile("source", destination, 0));
     EXPECT_EQ(100, statusOf(destination).st_size);
@@ -122,17 +129,18 @@ TEST_F(File, CopyRefusesWhatItMustNotOrCannotOpen) {
 }
 
 TEST_F(File, CopySurvivesSignalsAndPartialTransfers) {
+  script.kernel = {EINTR, -7, -5000, EINTR, EXDEV};
   script.read = {EINTR, -1000, EINTR, EINTR, -1, 0};
   script.write = {EINTR, -1, -400, EINTR, 0, -1};
   EXPECT_EQ(1u, ZotOsCopyFile("source", "copy", 0));
   EXPECT_EQ(bytes, readFile("copy"));
-  EXPECT_TRUE(script.read.empty() && script.write.empty());
+  EXPECT_TRUE(script.kernel.empty() && script.read.empty() && script.write.empty());
 }
 
 TEST_F(File, CopyReportsTheFirstFailureAndKeepsWhatItWrote) {
   const std::tuple<Script, int, size_t> cases[] = {
-      {{.close = {EBADF, EBADF}, .read = {-100, EIO}}, EIO, 100},
-      {{.close = {EBADF, EBADF}, .write = {-7, -8, EDQUOT}}, EDQUOT, 15},
+      {{.close = {EBADF, EBADF}, .kernel = {ENOSYS}, .read = {-100, EIO}}, EIO, 100},
+      {{.close = {EBADF, EBADF}, .kernel = {-5000, EIO}, .write = {-7, -8, EDQUOT}}, EDQUOT, 5015},
       {{.close = {EBADF, EBADF}, .fchown = {EPERM}}, EPERM, bytes.size()},
       {{.close = {EBADF, EBADF}, .fchmod = {EROFS}}, EROFS, bytes.size()},
       {{.close = {ENOSPC, EBADF}}, ENOSPC, bytes.size()},
