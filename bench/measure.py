@@ -106,13 +106,21 @@ def measure_growth(programs, quick, progress):
     return growth
 
 
+def rows_by_program(programs, rows):
+    """Each program with a filter that selects its rows."""
+    wanted = {}
+    for row in rows:
+        wanted.setdefault(programs[row], []).append(row)
+    return [(program, f"^({'|'.join(its)})/") for program, its in wanted.items()]
+
+
 def count_allocations(folder, programs, rows, progress):
     """Per "row/side": allocations on the C heap per operation, exact."""
     counted = {}
-    for program in sorted({programs[row] for row in rows}):
+    for program, filter_ in rows_by_program(programs, rows):
         progress(f"allocations of {program.name}")
         environment = {"ZOT_BENCH_COUNT": "1", "LD_PRELOAD": str(folder / "libbench_count_allocations.so")}
-        for entry in run_program(program, "-^growth", ["--benchmark_min_time=0"], environment):
+        for entry in run_program(program, filter_, ["--benchmark_min_time=0"], environment):
             counted["/".join(entry["name"].split("/")[:2])] = entry["allocations"]
     return counted
 
@@ -120,14 +128,14 @@ def count_allocations(folder, programs, rows, progress):
 def count_instructions(programs, rows, progress):
     """Per "row/side": instructions in user space per operation, the same in every run."""
     counted = {}
-    for program in sorted({programs[row] for row in rows}):
+    for program, filter_ in rows_by_program(programs, rows):
         if program.name in NOT_FOR_CALLGRIND:
             continue
         progress(f"instructions of {program.name}")
         with tempfile.TemporaryDirectory() as folder:
             valgrind = ["valgrind", "--quiet", "--tool=callgrind", "--collect-atstart=no",
                         f"--callgrind-out-file={folder}/out"]
-            entries = run_program(program, "-^growth", ["--benchmark_min_time=0"], {"ZOT_BENCH_COUNT": "1"}, valgrind)
+            entries = run_program(program, filter_, ["--benchmark_min_time=0"], {"ZOT_BENCH_COUNT": "1"}, valgrind)
             for number, entry in enumerate(entries, 1):
                 totals = re.search(r"^(?:totals|summary): (\d+)", Path(folder, f"out.{number}").read_text(), re.M)
                 counted["/".join(entry["name"].split("/")[:2])] = int(totals[1]) / entry["operations"]
