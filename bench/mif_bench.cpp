@@ -137,16 +137,21 @@ void encode(Buffer& buffer, const Settings& from) {
   packer.key(kFlags).number(from.flags);
 }
 
+void assign(std::string* to, const unsigned char* bytes, size_t size) {
+  to->assign(reinterpret_cast<const char*>(bytes), size);
+}
+
+// Assigned in place: set_host() and the like make a string that they throw away.
 void fill(bench::Settings& message, const Settings& from) {
   message.set_mode(from.mode);
   message.set_timeout(from.timeout);
   message.set_received(from.received);
-  message.set_user(from.user);
-  message.set_host(from.host);
-  message.set_key(from.key, sizeof kKeyBytes);
+  message.mutable_user()->assign(from.user);
+  message.mutable_host()->assign(from.host);
+  assign(message.mutable_key(), from.key, sizeof kKeyBytes);
   message.set_changed(from.changed);
-  message.set_gateway(kGatewayBytes, sizeof kGatewayBytes);
-  message.set_server(kServerBytes, sizeof kServerBytes);
+  assign(message.mutable_gateway(), kGatewayBytes, sizeof kGatewayBytes);
+  assign(message.mutable_server(), kServerBytes, sizeof kServerBytes);
   message.set_flags(from.flags);
 }
 

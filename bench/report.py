@@ -61,12 +61,12 @@ def ratio_chart(rows, path):
     for at, row in enumerate(rows):
         colour = PEER if row["goal"] is None else REACHED if row["reached"] else MISSED
         axes.barh(at, row["ratio"] - low, left=low, height=0.62, color=colour)
-        axes.text(row["ratio"] * 1.06, at, number(row["ratio"]), va="center", fontsize=7.5)
+        axes.text(1.01, at, number(row["ratio"]), va="center", fontsize=7.5, transform=axes.get_yaxis_transform())
         if row["goal"] is not None:
             axes.plot([row["goal"]] * 2, [at - 0.42, at + 0.42], color="black", linewidth=1.6)
     axes.axvline(1, color=PEER, linewidth=0.8, linestyle="--", zorder=0)
     axes.set_xscale("log")
-    axes.set_xlim(low, max(2.0, max(row["ratio"] for row in rows) * 1.6))
+    axes.set_xlim(low, max(2.0, max(row["ratio"] for row in rows) * 1.1))
     axes.xaxis.set_major_formatter(matplotlib.ticker.FuncFormatter(lambda value, _: f"{value:g}"))
     axes.set_ylim(-0.7, len(rows) - 0.3)
     axes.set_yticks(range(len(rows)), [f"{row['work']}  /  {row['beside']}" for row in rows], fontsize=7.5)
