@@ -1,6 +1,13 @@
-// Every public header that the including language can read.
+// Every public header that the including language can read and that is there: an
+// installation may lack the object classes, and only a build makes the version.
 #ifndef ZOTMACGUIUTILS_H
 #define ZOTMACGUIUTILS_H
+
+#if defined __has_include
+#if __has_include("zotmacguiutils_version.h")
+#include "zotmacguiutils_version.h"
+#endif
+#endif
 
 #ifdef __cplusplus
 #include "ipaddr/ZotIpAddr.h"
@@ -18,8 +25,10 @@
 #include "os/zot_string.h"
 
 #ifdef __OBJC__
+#if __has_include("mifobject/ZOTMifBuffer.h")
 #include "mifobject/ZOTMifBuffer.h"
 #include "multilang/ZOTMultiLang.h"
+#endif
 #endif
 
 #endif

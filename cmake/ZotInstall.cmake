@@ -24,7 +24,8 @@ if(ZOT_SHARED)
   install(FILES "${ZOT_LINK_SCRIPT}" DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 endif()
 
-install(FILES zotmacguiutils.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zotmacguiutils")
+install(FILES zotmacguiutils.h "${PROJECT_BINARY_DIR}/include/zotmacguiutils_version.h"
+  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zotmacguiutils")
 foreach(kind IN ITEMS C CXX OBJC)
   get_property(headers GLOBAL PROPERTY ZOT_${kind}_HEADERS)
   foreach(header IN LISTS headers)

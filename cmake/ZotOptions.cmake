@@ -14,6 +14,11 @@ if(DEFINED BUILD_SHARED_LIBS AND NOT BUILD_SHARED_LIBS)
   set(ZOT_SHARED OFF)
 endif()
 
+set(ZOT_SANITIZED OFF)
+if("${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${CMAKE_BUILD_TYPE}} ${CMAKE_SHARED_LINKER_FLAGS}" MATCHES "-fsanitize")
+  set(ZOT_SANITIZED ON)
+endif()
+
 # The object classes are built where Objective-C++ and GNUstep are there.
 if(DEFINED ZOT_OBJECTS AND NOT ZOT_OBJECTS)
   return()

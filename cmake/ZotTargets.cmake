@@ -14,6 +14,8 @@ target_compile_features(zot_build INTERFACE cxx_std_20 c_std_11)
 # Files above 2 GiB on hosts whose long has 32 bits.
 target_compile_definitions(zot_build INTERFACE _FILE_OFFSET_BITS=64)
 target_compile_options(zot_build INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  # The sources need both, whatever an embedding project does without.
+  $<$<COMPILE_LANGUAGE:CXX,OBJCXX>:-fexceptions> $<$<COMPILE_LANGUAGE:CXX,OBJCXX>:-frtti>
   # Compile features know no Objective-C++.
   $<$<COMPILE_LANGUAGE:OBJCXX>:-std=gnu++20>)
 
@@ -43,8 +45,9 @@ function(zot_library stem name)
     add_library(${stem} SHARED $<TARGET_OBJECTS:${stem}_objects>)
     target_link_options(${stem} PRIVATE
       "LINKER:--version-script=${version_script}" "LINKER:-Bsymbolic-functions")
-    # Sanitizers refuse -z,defs: their run-time is linked into the program only.
-    if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+    # Sanitizers refuse -z,defs: their run-time is linked into the program only.  An
+    # embedding project may have switched one on anywhere.
+    if(PROJECT_IS_TOP_LEVEL AND NOT ZOT_SANITIZED)
       target_link_options(${stem} PRIVATE "LINKER:-z,defs")
     endif()
     set_target_properties(${stem} PROPERTIES
@@ -58,7 +61,7 @@ function(zot_library stem name)
       OUTPUT_NAME ${name}
       LINKER_LANGUAGE CXX)  # CMake's rules for Objective-C++ know neither soname nor run path
     target_include_directories(${library} INTERFACE
-      "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>"
+      "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>" "$<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>"
       "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zotmacguiutils>")
     target_compile_features(${library} INTERFACE cxx_std_17)  # the public headers
   endforeach()
@@ -87,7 +90,8 @@ if(ZOT_OBJECTS)
   target_link_libraries(zotmacguiutils_objects PRIVATE GNUstep::Base)
   target_link_libraries(zotmacguiutils_archive PUBLIC zotmacguiutils_core_archive GNUstep::Base)
   # Nothing names a category, so a linker would leave it in the archive.
-  target_link_libraries(zotmacguiutils_static INTERFACE "$<LINK_LIBRARY:WHOLE_ARCHIVE,zotmacguiutils_archive>")
+  add_library(zotmacguiutils::objects_static ALIAS zotmacguiutils_archive)
+  target_link_libraries(zotmacguiutils_static INTERFACE "$<LINK_LIBRARY:WHOLE_ARCHIVE,zotmacguiutils::objects_static>")
   if(ZOT_SHARED)
     target_link_libraries(zotmacguiutils PUBLIC zotmacguiutils_core PRIVATE GNUstep::Base
       INTERFACE "$<TARGET_NAME_IF_EXISTS:GNUstep::Base>")

@@ -40,7 +40,7 @@ inline void mifCopyBounded(void* dst, const unsigned char* block, uint64_t size,
   const uint64_t left = offset < size ? size - offset : 0;
   const size_t inside = left < count ? static_cast<size_t>(left) : count;
   if (inside != 0) {
-    std::memcpy(dst, block + static_cast<size_t>(offset), inside);
+    std::memcpy(dst, block + offset, inside);
   }
   if (inside != count) {
     std::memset(static_cast<unsigned char*>(dst) + inside, 0, count - inside);
@@ -111,7 +111,7 @@ class MifRecords {
         atEnd_ = true;
         return;
       }
-      const unsigned char* header = bytes_ + static_cast<size_t>(offset);
+      const unsigned char* header = bytes_ + offset;
       record_.oid = mifLoad<unsigned short>(header);
       if (record_.oid == kMifEndMarker) {
         atEnd_ = true;
@@ -139,7 +139,7 @@ class MifRecords {
   // there are fewer, and for occurrence 0.
   std::optional<MifRecord> find(unsigned short oid, uint32_t occurrence) const {
     uint64_t count = 0;
-    for (const MifRecord& record : *this) {
+    for (const MifRecord record : *this) {
       if (record.oid == oid && ++count == occurrence) {
         return record;
       }

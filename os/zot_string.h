@@ -58,9 +58,12 @@ ZOT_EXPORT int sprintf_zot(char* dst, unsigned int size, const char* format, ...
     ;
 
 // Change the case of a text's ASCII letters in place and return the text, which must not
-// be null.
+// be null.  A program that has functions of its own of these names defines
+// ZOT_NO_STRUPR before it includes this header.
+#ifndef ZOT_NO_STRUPR
 ZOT_EXPORT char* strupr(char* text);
 ZOT_EXPORT char* strlwr(char* text);
+#endif
 
 #ifdef __cplusplus
 }

@@ -18,7 +18,7 @@ export LD_LIBRARY_PATH
 mkdir -p "$work"
 eval "set -- $(pkg-config --cflags --libs zotmacguiutils)"  # a blank in a path comes escaped
 "$CC" -std=c11 "$sources/consumer.c" -o "$work/consumer_c" "$@"
-"$CXX" -std=c++17 "$sources/consumer.cpp" -o "$work/consumer_cpp" "$@"
+"$CXX" -std=c++17 -fno-exceptions -fno-rtti "$sources/consumer.cpp" -o "$work/consumer_cpp" "$@"
 "$work/consumer_c"
 "$work/consumer_cpp"
 
@@ -35,3 +35,8 @@ fi
 "$CXX" -std=c++17 -I"$(pkg-config --variable=includedir zotmacguiutils)" "$sources/consumer.cpp" \
   -o "$work/consumer_alone" -L"$(pkg-config --variable=libdir zotmacguiutils)" -lzotmacguiutils
 "$work/consumer_alone"
+
+# Linked in whole; the C library says that dlopen() still wants its shared self.
+eval "set -- $(pkg-config --static --cflags --libs zotmacguiutils-core)"
+"$CC" -std=c11 -static "$sources/consumer.c" -o "$work/consumer_static" "$@" 2>/dev/null
+"$work/consumer_static"

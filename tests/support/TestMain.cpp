@@ -1,8 +1,11 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -28,6 +31,20 @@ bool enterOwnIpcNamespace() {
   std::ofstream("/proc/self/gid_map") << group << " " << group << " 1";
 #endif
   return true;
+}
+
+// Where no namespace can be had, in a container without privileges, one test program
+// runs at a time: own-ipc takes the same lock.  Held until the process has ended.
+void waitForOtherTests() {
+  if (getenv("ZOT_TESTS_LOCKED") != nullptr) {
+    return;  // by own-ipc, which started this program
+  }
+  std::fprintf(stderr, "no IPC namespace to be had (%s); waiting for other tests instead\n", std::strerror(errno));
+  const std::string path = testing::TempDir() + "/zotmacguiutils-tests.lock";
+  const int lock = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  if (lock < 0 || flock(lock, LOCK_EX) != 0) {
+    std::fprintf(stderr, "%s: %s\n", path.c_str(), std::strerror(errno));
+  }
 }
 
 // No test may leave a segment or a semaphore set behind.  A segment that is removed
@@ -60,10 +77,13 @@ extern "C" const char* __tsan_default_options() {
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
-  if (!enterOwnIpcNamespace()) {
-    std::fprintf(stderr, "no IPC namespace of our own: %s\n", std::strerror(errno));
-    return 1;
+  if (testing::GTEST_FLAG(list_tests)) {
+    return RUN_ALL_TESTS();
   }
-  testing::UnitTest::GetInstance()->listeners().Append(new LeftoverCheck);
+  if (enterOwnIpcNamespace()) {
+    testing::UnitTest::GetInstance()->listeners().Append(new LeftoverCheck);
+  } else {
+    waitForOtherTests();
+  }
   return RUN_ALL_TESTS();
 }
