@@ -53,6 +53,7 @@ function(zot_library stem name)
     set_target_properties(${stem} PROPERTIES
       VERSION ${PROJECT_VERSION}
       SOVERSION ${PROJECT_VERSION_MAJOR}
+      INSTALL_RPATH "$ORIGIN"  # each finds the other outside the system's folders, too
       LINK_DEPENDS "${version_script}")
     list(APPEND libraries ${stem})
   endif()

@@ -71,9 +71,9 @@ class ZOT_EXPORT ProgramTexts {
   ProgramTexts(const ProgramTexts&) = delete;
   ProgramTexts& operator=(const ProgramTexts&) = delete;
 
-  bool addBytes(uint32_t element, uint32_t sub, const char* text, size_t length);
-  const char* findText(uint32_t element, uint32_t sub, bool useElement);
-  void forgetIndex();
+  ZOT_LOCAL bool addBytes(uint32_t element, uint32_t sub, const char* text, size_t length);
+  ZOT_LOCAL const char* findText(uint32_t element, uint32_t sub, bool useElement);
+  ZOT_LOCAL void forgetIndex();
 
   ZOT_MultiLanguage* parent;
   prgTexte* texts;

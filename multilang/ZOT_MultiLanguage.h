@@ -108,8 +108,8 @@ class ZOT_EXPORT ZOT_MultiLanguage {
   ZOT_MultiLanguage& operator=(const ZOT_MultiLanguage&) = delete;
 
   // Whether all the form's text records were read and those that are wanted kept.
-  static bool readTexts(LanguageFile* file, uint32_t textCount, uint32_t element, bool onlyElement,
-                        ProgramTexts* table);
+  ZOT_LOCAL static bool readTexts(LanguageFile* file, uint32_t textCount, uint32_t element, bool onlyElement,
+                                  ProgramTexts* table);
 
   uint32_t languageId;
   char* directory;
