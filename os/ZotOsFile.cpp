@@ -51,8 +51,10 @@ bool writeAll(int to, const char* bytes, size_t count) {
 void moveInKernel([[maybe_unused]] int from, [[maybe_unused]] int to, [[maybe_unused]] off_t count) {
 #ifdef __linux__
   while (count > 0) {
-    const ssize_t moved = repeatedOnSignal(
-        [&] { return copy_file_range(from, nullptr, to, nullptr, std::min(count, kKernelPiece), 0); });
+    const ssize_t moved = repeatedOnSignal([&] {
+      return copy_file_range(from, nullptr, to, nullptr, static_cast<size_t>(std::min(count, kKernelPiece)),
+                             0);
+    });
     if (moved <= 0) {
       break;
     }
