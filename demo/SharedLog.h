@@ -4,6 +4,7 @@
 #define DEMO_SHARED_LOG_H
 
 #include <cstdint>
+#include <string>
 
 #include "log/ZotLog.h"
 
@@ -25,5 +26,9 @@ class SharedLog {
  private:
   ZotOsLog log_ = {};
 };
+
+// The library's writers know standard output; from now on it is this file, emptied.  Both
+// programs do so, and the window shows what comes.
+bool logToFile(const std::string& path);
 
 #endif

@@ -143,12 +143,6 @@ bool isOnlyService(const std::string& directory) {
   return lock >= 0 && flock(lock, LOCK_EX | LOCK_NB) == 0;
 }
 
-// The library's writers know standard output; the window reads the file.
-bool logTo(const std::string& path) {
-  const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
-  return file >= 0 && dup2(file, STDOUT_FILENO) >= 0 && close(file) == 0;
-}
-
 }  // namespace
 
 int runService(const std::string& directory, const volatile sig_atomic_t* stopped) {
@@ -156,7 +150,7 @@ int runService(const std::string& directory, const volatile sig_atomic_t* stoppe
     std::fprintf(stderr, "service: another one runs in %s, or it cannot be written\n", directory.c_str());
     return EXIT_FAILURE;
   }
-  if (!logTo(directory + "/service.log")) {
+  if (!logToFile(directory + "/service.log")) {
     std::fprintf(stderr, "service: cannot write %s/service.log: %s\n", directory.c_str(),
                  std::strerror(errno));
     return EXIT_FAILURE;

@@ -7,6 +7,7 @@ constexpr CGFloat kMargin = 20;
 constexpr CGFloat kGap = 8;
 constexpr CGFloat kFieldHeight = 22;
 constexpr CGFloat kSmallestButton = 96;
+constexpr CGFloat kHexSize = 11;  // of the characters in a hex view
 
 // Counts from its top edge.
 @interface Page : NSView
@@ -21,6 +22,8 @@ constexpr CGFloat kSmallestButton = 96;
 // The size below which something would be cut, with the texts that show.
 - (NSSize)smallestSize;
 - (void)layOut:(NSSize)size;
+// Shows what has changed; comes after every change and four times a second.
+- (void)refresh;
 @end
 
 // A text that the user does not change.  Its tag is the element of its text, or 0.
@@ -40,6 +43,15 @@ NSTableView* tableIn(NSScrollView* frame);
 // Gives columns their titles, and each but the last the width of its title and of the
 // sample that stands for its longest value.
 void showColumns(NSTableView* table, Texts* texts, const char* const* samples);
+
+// The width below which a column would be cut.
+CGFloat tableWidth(NSTableView* table);
+
+// A text of equally wide characters that nobody changes, in a frame that scrolls, and
+// the room that it needs.
+NSScrollView* makeHexFrame();
+CGFloat hexWidth(NSUInteger characters);
+CGFloat hexHeight(NSUInteger lines);
 
 // The size that the contents of a control need.
 NSSize sizeOf(NSView* control);

@@ -59,6 +59,9 @@ NSScrollView* makeTable(const int* elements, size_t count, id source) {
     NSString* identifier = [NSString stringWithFormat:@"%d", elements[i]];
     NSTableColumn* column = [[[NSTableColumn alloc] initWithIdentifier:identifier] autorelease];
     [column setEditable:NO];
+    [[column dataCell] setFont:[NSFont systemFontOfSize:11]];
+    [[column headerCell] setFont:[NSFont boldSystemFontOfSize:11]];
+    [[column headerCell] setAlignment:NSLeftTextAlignment];
     [table addTableColumn:column];
   }
   [table setRowHeight:18];
@@ -69,6 +72,7 @@ NSScrollView* makeTable(const int* elements, size_t count, id source) {
   NSScrollView* frame = [[[NSScrollView alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
   [frame setBorderType:NSLineBorder];
   [frame setHasVerticalScroller:YES];
+  [frame setAutohidesScrollers:YES];
   [frame setDocumentView:table];
   return frame;
 }
@@ -92,6 +96,37 @@ void showColumns(NSTableView* table, Texts* texts, const char* const* samples) {
   }
   [table sizeLastColumnToFit];
   [[table headerView] setNeedsDisplay:YES];
+}
+
+CGFloat tableWidth(NSTableView* table) {
+  CGFloat width = [NSScroller scrollerWidth] + 2;
+  NSEnumerator* columns = [[table tableColumns] objectEnumerator];
+  for (NSTableColumn* column; (column = [columns nextObject]) != nil;) {
+    width += [column minWidth] + [table intercellSpacing].width;
+  }
+  return std::ceil(width);
+}
+
+NSScrollView* makeHexFrame() {
+  NSTextView* text = [[[NSTextView alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
+  [text setEditable:NO];
+  [text setAutoresizingMask:NSViewWidthSizable];
+  [text setTextContainerInset:NSMakeSize(kGap / 2, kGap / 2)];
+  NSScrollView* frame = [[[NSScrollView alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
+  [frame setBorderType:NSLineBorder];
+  [frame setHasVerticalScroller:YES];
+  [frame setDocumentView:text];
+  return frame;
+}
+
+CGFloat hexWidth(NSUInteger characters) {
+  const CGFloat each = [[NSFont userFixedPitchFontOfSize:kHexSize] maximumAdvancement].width;
+  return std::ceil(each * static_cast<CGFloat>(characters) + 3 * kGap + [NSScroller scrollerWidth]);
+}
+
+CGFloat hexHeight(NSUInteger lines) {
+  const CGFloat each = [[NSFont userFixedPitchFontOfSize:kHexSize] defaultLineHeightForFont];
+  return std::ceil(each * static_cast<CGFloat>(lines) + 2 * kGap);
 }
 
 NSSize sizeOf(NSView* control) {

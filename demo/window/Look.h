@@ -8,7 +8,12 @@ void registerLook(bool ownTitleBar);
 void installLook();
 
 @class NSColor;
+@class NSTabView;
 
-// The colours of what is wrong and of what only explains.
+// Of all tabs side by side.
+double widthOfTabs(NSTabView* view);
+
+// The colours of what is wrong, of what only explains, and behind what is marked.
 NSColor* faultColor();
 NSColor* hintColor();
+NSColor* markColor();

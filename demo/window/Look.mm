@@ -7,6 +7,7 @@ namespace {
 
 constexpr CGFloat kRadius = 4;
 constexpr CGFloat kTabHeight = 30;
+constexpr CGFloat kTabPadding = 14;
 
 NSColor* grey(CGFloat white) {
   return [NSColor colorWithCalibratedWhite:white alpha:1];
@@ -159,7 +160,7 @@ void replaceImage(NSString* name, NSSize size, void (*draw)(NSRect)) {
   CGFloat x = kRadius;
   NSEnumerator* all = [items objectEnumerator];
   for (NSTabViewItem* item; (item = [all nextObject]) != nil;) {
-    NSRect tab = NSMakeRect(x, 0, [item sizeOfLabel:NO].width + 28, kTabHeight);
+    NSRect tab = NSMakeRect(x, 0, [item sizeOfLabel:NO].width + 2 * kTabPadding, kTabHeight);
     if (item == selected) {
       // Open towards the page: the page's own colour covers the line between.
       [NSGraphicsContext saveGraphicsState];
@@ -171,7 +172,7 @@ void replaceImage(NSString* name, NSSize size, void (*draw)(NSRect)) {
       NSRectFill(NSMakeRect(x + kRadius, 0, NSWidth(tab) - 2 * kRadius, 2));
       [NSGraphicsContext restoreGraphicsState];
     }
-    [item drawLabel:NO inRect:NSInsetRect(tab, 14, 7)];
+    [item drawLabel:NO inRect:NSInsetRect(tab, kTabPadding, 7)];
     x = NSMaxX(tab);
   }
 }
@@ -235,11 +236,14 @@ void installLook() {
       {@"controlTextColor", grey(0.13)},
       {@"textColor", grey(0.13)},
       {@"gridColor", grey(0.9)},
+      {@"scrollBarColor", grey(0.95)},
+      {@"highlightedTableRowBackgroundColor", markColor()},
+      {@"controlDarkShadowColor", lineColor()},
       {@"selectedControlColor", accent()},
       {@"selectedControlTextColor", [NSColor whiteColor]},
       {@"alternateSelectedControlColor", accent()},
       {@"secondarySelectedControlColor", accent()},
-      {@"selectedTextBackgroundColor", [NSColor colorWithCalibratedRed:0.72 green:0.83 blue:0.97 alpha:1]},
+      {@"selectedTextBackgroundColor", markColor()},
       {@"selectedMenuItemColor", accent()},
       {@"selectedMenuItemTextColor", [NSColor whiteColor]},
       {@"windowFrameColor", grey(0.85)},
@@ -263,4 +267,17 @@ NSColor* faultColor() {
 
 NSColor* hintColor() {
   return grey(0.42);
+}
+
+NSColor* markColor() {
+  return [NSColor colorWithCalibratedRed:0.72 green:0.83 blue:0.97 alpha:1];
+}
+
+double widthOfTabs(NSTabView* view) {
+  CGFloat width = 2 * kRadius;
+  NSEnumerator* all = [[view tabViewItems] objectEnumerator];
+  for (NSTabViewItem* item; (item = [all nextObject]) != nil;) {
+    width += [item sizeOfLabel:NO].width + 2 * kTabPadding;
+  }
+  return width;
 }

@@ -1,14 +1,26 @@
 #include "OnlyWindow.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/file.h>
 #include <sys/sem.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <filesystem>
 
 #include "SharedLog.h"
+
+namespace {
+
+// Numbers of processes are used again, and a dead process may wait for its parent: what
+// counts is that it runs this program.
+bool isWindow(int process) {
+  std::error_code failure;
+  const std::string own = std::filesystem::read_symlink("/proc/self/exe");
+  const std::string its = std::filesystem::read_symlink("/proc/" + std::to_string(process) + "/exe", failure);
+  return failure == std::errc::permission_denied || its.starts_with(own);
+}
+
+}  // namespace
 
 OnlyWindow::OnlyWindow(const std::string& directory) {
   // Windows that start at the same moment look one after the other.
@@ -20,8 +32,7 @@ OnlyWindow::OnlyWindow(const std::string& directory) {
   mine_ = tryToTake();
   if (!mine_) {
     // A process that is killed leaves its mutex taken; the kernel knows who took it.
-    const pid_t holder = semctl(mutex_->semId, 0, GETPID);
-    if (holder > 0 && kill(holder, 0) != 0 && errno == ESRCH) {
+    if (!isWindow(semctl(mutex_->semId, 0, GETPID))) {
       ZotOsMutexRelease(mutex_);
       mine_ = tryToTake();
     }

@@ -205,6 +205,10 @@ constexpr Row kRows[] = {
   }
 }
 
+- (void)refresh {
+  // This tab is where changes come from.
+}
+
 - (void)changeSeen {
   [owner performSelector:changed];
 }
@@ -225,8 +229,19 @@ constexpr Row kRows[] = {
     }
   }
   // A fault that was told goes as soon as it is mended.
+  for (const Row& row : kRows) {
+    told[row.oid - kOidName] &= [profile faultOf:row.oid] != kNoFault;
+  }
   [self showHints];
   [self changeSeen];
+}
+
+// Return and Escape are the buttons', also while a field is edited.  Escape comes as
+// complete: or cancelOperation:, as the user's key bindings have it.
+- (BOOL)control:(NSControl*)control textView:(NSTextView*)editor doCommandBySelector:(SEL)command {
+  return (sel_isEqual(command, @selector(insertNewline:)) || sel_isEqual(command, @selector(complete:)) ||
+          sel_isEqual(command, @selector(cancelOperation:))) &&
+         [[page window] performKeyEquivalent:[NSApp currentEvent]];
 }
 
 // A field that was left half filled is told; an empty one may still be filled.
@@ -234,7 +249,7 @@ constexpr Row kRows[] = {
   for (const Row& row : kRows) {
     if (fields[row.first] == [note object] || fields[row.last] == [note object]) {
       const Fault fault = [profile faultOf:row.oid];
-      told[row.oid - kOidName] = fault != kNoFault && fault != kFaultMissing;
+      told[row.oid - kOidName] |= fault != kNoFault && fault != kFaultMissing;
     }
   }
   [self showHints];

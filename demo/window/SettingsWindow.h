@@ -4,8 +4,13 @@
 
 #include <string>
 
+#include "SharedLog.h"
+
+@class LogTab;
 @class ProfileTab;
+@class RecordsTab;
 @class ServiceCall;
+@class SystemTab;
 
 @interface SettingsWindow : NSObject <NSWindowDelegate> {
  @private
@@ -17,12 +22,17 @@
   NSPopUpButton* languages;
   NSTextField* status;
   ServiceCall* call;
+  NSTimer* timer;
+  SharedLog* sharedLog;
   int outcome;
   BOOL touched;  // something was typed
 }
 
-// socketPath is where the service listens.
-- (id)initWithTexts:(Texts*)shownTexts language:(int)number service:(const std::string&)socketPath;
+// directory is where the service runs; the log outlives the window.
+- (id)initWithTexts:(Texts*)shownTexts
+           language:(int)number
+          directory:(const std::string&)directory
+                log:(SharedLog*)shared;
 - (void)dealloc;
 
 // Shows the window with the stored profile, if the service has one.
@@ -33,8 +43,16 @@
 
 - (NSWindow*)window;
 - (Profile*)profile;
+- (Texts*)texts;
+- (SharedLog*)log;
 - (NSArray*)tabs;
+- (NSTabView*)tabView;
 - (ProfileTab*)profileTab;
+- (RecordsTab*)recordsTab;
+- (LogTab*)logTab;
+- (SystemTab*)systemTab;
+- (NSPopUpButton*)languages;
+- (NSTextField*)status;
 - (void)selectTab:(NSUInteger)index;
 
 // Relabels everything at once; what was typed stays.  0 follows the user's preference.

@@ -1,11 +1,16 @@
 #import "SettingsWindow.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <initializer_list>
 
+#import "LogTab.h"
 #import "Look.h"
 #import "ProfileTab.h"
+#import "RecordsTab.h"
 #import "ServiceCall.h"
+#import "SystemTab.h"
 #import "Texts.h"
 
 namespace {
@@ -28,6 +33,7 @@ constexpr Language kLanguages[] = {{2, "English"},
 - (CGFloat)heightBelowTabs;
 - (void)layOut;
 - (void)languageChosen:(id)sender;
+- (void)refresh;
 - (void)profileChanged;
 - (void)send:(Request)request;
 - (void)showOutcome:(int)number;
@@ -35,7 +41,10 @@ constexpr Language kLanguages[] = {{2, "English"},
 
 @implementation SettingsWindow
 
-- (id)initWithTexts:(Texts*)shownTexts language:(int)number service:(const std::string&)socketPath {
+- (id)initWithTexts:(Texts*)shownTexts
+           language:(int)number
+          directory:(const std::string&)directory
+                log:(SharedLog*)shared {
   self = [super init];
   if (self != nil) {
     texts = [shownTexts retain];
@@ -47,12 +56,15 @@ constexpr Language kLanguages[] = {{2, "English"},
                       defer:NO];
     [window setReleasedWhenClosed:NO];
     [window setDelegate:self];
-    tabs = [[NSMutableArray alloc] initWithObjects:[[[ProfileTab alloc] initWithProfile:profile
-                                                                                  owner:self
-                                                                                changed:@selector(profileChanged)]
-                                                       autorelease],
-                                                   nil];
-    call = [[ServiceCall alloc] initWithSocket:socketPath owner:self done:@selector(answered)];
+    sharedLog = shared;
+    tabs = [[NSMutableArray alloc] init];
+    [tabs addObject:[[[ProfileTab alloc] initWithProfile:profile
+                                                   owner:self
+                                                 changed:@selector(profileChanged)] autorelease]];
+    [tabs addObject:[[[RecordsTab alloc] initWithProfile:profile] autorelease]];
+    [tabs addObject:[[[LogTab alloc] initWithLog:shared directory:directory] autorelease]];
+    [tabs addObject:[[[SystemTab alloc] initWithLog:shared] autorelease]];
+    call = [[ServiceCall alloc] initWithSocket:directory + "/service.sock" owner:self done:@selector(answered)];
     [self addControls];
     [self showLanguage:number];
   }
@@ -72,9 +84,18 @@ constexpr Language kLanguages[] = {{2, "English"},
 - (void)open {
   [window makeKeyAndOrderFront:nil];
   [call send:[profile messageFor:kRequestRead]];
+  [self refresh];
+  // The timer keeps its target; close lets go of both.
+  timer = [NSTimer scheduledTimerWithTimeInterval:0.25
+                                           target:self
+                                         selector:@selector(refresh)
+                                         userInfo:nil
+                                          repeats:YES];
 }
 
 - (void)close {
+  [timer invalidate];
+  timer = nil;
   [call stop];
   [window orderOut:nil];
 }
@@ -87,12 +108,44 @@ constexpr Language kLanguages[] = {{2, "English"},
   return profile;
 }
 
+- (Texts*)texts {
+  return texts;
+}
+
+- (SharedLog*)log {
+  return sharedLog;
+}
+
+- (NSPopUpButton*)languages {
+  return languages;
+}
+
+- (NSTextField*)status {
+  return status;
+}
+
+- (NSTabView*)tabView {
+  return tabView;
+}
+
 - (NSArray*)tabs {
   return tabs;
 }
 
 - (ProfileTab*)profileTab {
   return [tabs objectAtIndex:0];
+}
+
+- (RecordsTab*)recordsTab {
+  return [tabs objectAtIndex:1];
+}
+
+- (LogTab*)logTab {
+  return [tabs objectAtIndex:2];
+}
+
+- (SystemTab*)systemTab {
+  return [tabs objectAtIndex:3];
 }
 
 - (void)selectTab:(NSUInteger)index {
@@ -225,8 +278,15 @@ constexpr Language kLanguages[] = {{2, "English"},
   [self showLanguage:static_cast<int>([[sender selectedItem] tag])];
 }
 
+- (void)refresh {
+  for (NSUInteger i = 0; i < [tabs count]; ++i) {
+    [(id<Tab>)[tabs objectAtIndex:i] refresh];
+  }
+}
+
 - (void)profileChanged {
   touched = YES;
+  [self refresh];
 }
 
 - (void)applyChosen:(id)sender {
@@ -248,11 +308,14 @@ constexpr Language kLanguages[] = {{2, "English"},
 
 - (void)answered {
   const Outcome came = [call outcome];
+  ZotOsvLog(*sharedLog, ZOT_LOG_TRACE, "TRACE window: %lu bytes answered, outcome %u (pid=%d)",
+            static_cast<unsigned long>([[call answer] length]), came, getpid());
   if (outcome != kSending) {
     // Of the profile that was asked for when the window opened.
     if (came == kRead && !touched) {
       [profile takeMessage:[call answer]];
       [[self profileTab] showProfile];
+      [self refresh];
     }
     return;
   }

@@ -1,14 +1,16 @@
 // The client's settings window.
 //
 //   demo [--directory DIR] [--language N] [--tab profile|records|log|system]
-//        [--screenshot FILE.png]
+//        [--screenshot FILE.png | --selftest]
 //
 // DIR is where the service runs (default: demo-profile in the current directory).
 // Without --language the first of the user's preferred languages counts.  With
-// --screenshot the window's picture is written and the program ends.  Without a
-// display: xvfb-run -a demo ...
+// --screenshot the window's picture is written and the program ends.  With --selftest
+// it drives its own controls, with a service of its own in DIR, and tells what is wrong.
+// Without a display: xvfb-run -a demo ...
 #import <AppKit/AppKit.h>
 #include <getopt.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -17,6 +19,7 @@
 
 #import "Look.h"
 #include "OnlyWindow.h"
+#import "SelfTest.h"
 #import "SettingsWindow.h"
 #import "Texts.h"
 #include "os/ZotOsFile.h"
@@ -28,6 +31,9 @@ struct Options {
   int language = 0;
   NSUInteger tab = 0;
   const char* screenshot = nullptr;
+  bool selfTest = false;
+
+  bool interactive() const { return screenshot == nullptr && !selfTest; }
 };
 
 constexpr const char* kTabNames[] = {"profile", "records", "log", "system"};
@@ -37,6 +43,7 @@ Options readOptions(int argc, char** argv) {
                           {"language", required_argument, nullptr, 'l'},
                           {"tab", required_argument, nullptr, 't'},
                           {"screenshot", required_argument, nullptr, 's'},
+                          {"selftest", no_argument, nullptr, 'c'},
                           {}};
   Options options;
   opterr = 0;  // AppKit has options of its own, such as -AppleLanguages '(fr)'
@@ -52,6 +59,9 @@ Options readOptions(int argc, char** argv) {
         for (NSUInteger i = 0; i < 4; ++i) {
           options.tab = std::string(optarg) == kTabNames[i] ? i : options.tab;
         }
+        break;
+      case 'c':
+        options.selfTest = true;
         break;
       case 's':
         options.screenshot = optarg;
@@ -90,26 +100,40 @@ int run(const Options& options) {
   const OnlyWindow only(options.directory);
   if (!only.isMine()) {
     std::fprintf(stderr, "demo: %s\n", [[texts textOf:kOutcomes sub:kSecondWindow] UTF8String]);
-    if (options.screenshot == nullptr) {
+    if (options.interactive()) {
       NSRunAlertPanel([texts textOf:kWindowTitle], @"%@", nil, nil, nil, [texts textOf:kOutcomes sub:kSecondWindow]);
     }
     return EXIT_FAILURE;
   }
+  // Standard output becomes the log's file; what is said to people goes to the terminal.
+  FILE* terminal = fdopen(dup(STDOUT_FILENO), "w");
+  if (terminal == nullptr || !logToFile(options.directory + "/window.log")) {
+    std::perror(("demo: " + options.directory + "/window.log").c_str());
+    return EXIT_FAILURE;
+  }
+  SharedLog log;
   SettingsWindow* settings = [[[SettingsWindow alloc] initWithTexts:texts
                                                            language:options.language
-                                                            service:options.directory + "/service.sock"] autorelease];
+                                                            directory:options.directory
+                                                                log:&log] autorelease];
   [settings selectTab:options.tab];
-  [settings open];
+  // A picture of the log has lines in it.
+  const uint32_t raised = options.screenshot != nullptr ? (ZOT_LOG_TRACE | ZOT_LOG_STDOUT) & ~ZotOsdGetLogLevel(log) : 0;
+  ZotOsvSetLogLevel(log, raised);
   int status = EXIT_SUCCESS;
-  if (options.screenshot == nullptr) {
+  if (options.selfTest) {
+    status = runSelfTest(settings, textDirectory(), options.directory, terminal) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+  } else if ([settings open]; options.interactive()) {
     [NSApp run];
   } else if (writePicture([settings window], options.screenshot)) {
-    std::printf("%s shows \"%s\"\n", options.screenshot, [[[settings window] title] UTF8String]);
+    std::fprintf(terminal, "%s shows \"%s\"\n", options.screenshot, [[[settings window] title] UTF8String]);
   } else {
     std::fprintf(stderr, "demo: cannot write %s\n", options.screenshot);
     status = EXIT_FAILURE;
   }
   [settings close];
+  ZotOsvResLogLevel(log, raised);
+  std::fclose(terminal);
   return status;
 }
 
@@ -118,7 +142,7 @@ int run(const Options& options) {
 int main(int argc, char** argv) {
   NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
   const Options options = readOptions(argc, argv);
-  registerLook(options.screenshot != nullptr);
+  registerLook(!options.interactive());
   [NSApplication sharedApplication];
   installLook();
   const int status = run(options);

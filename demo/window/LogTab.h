@@ -1,0 +1,26 @@
+// The tab that shows the level which all processes share, and the lines of window and
+// service as they come.
+#import "Controls.h"
+#include <vector>
+
+#include "SharedLog.h"
+
+@interface LogTab : NSObject <Tab, NSTableViewDataSource, NSTableViewDelegate> {
+ @private
+  SharedLog* sharedLog;
+  struct LogFile* files;
+  std::vector<struct LogLine>* lines;
+  Page* page;
+  NSButton* boxes[5];
+  NSScrollView* table;
+}
+
+// directory is where both programs write their lines.
+- (id)initWithLog:(SharedLog*)shared directory:(const std::string&)directory;
+- (void)dealloc;
+
+- (NSButton*)boxFor:(uint32_t)mask;
+// YES when a line of this program has this text in it.
+- (BOOL)hasLine:(const char*)text of:(NSString*)program;
+
+@end
