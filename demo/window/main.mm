@@ -142,6 +142,9 @@ int run(const Options& options) {
 int main(int argc, char** argv) {
   NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
   const Options options = readOptions(argc, argv);
+  // Foundation and AppKit begin to lock when the first thread starts: that must not be in
+  // the middle of a drawing, where a worker of ours would set it off.
+  [NSThread detachNewThreadSelector:@selector(self) toTarget:[NSObject class] withObject:nil];
   registerLook(!options.interactive());
   [NSApplication sharedApplication];
   installLook();
