@@ -61,14 +61,11 @@ std::optional<int> compareFamilies(const Octets& a, const Octets& b) {
 
 ZotIpAddr::ZotIpAddr() : abAddr{}, uAddrLen(0), pszText(nullptr) {}
 
-ZotIpAddr::ZotIpAddr(unsigned int addr) : ZotIpAddr() {
-  std::memcpy(abAddr, &addr, sizeof addr);
-  uAddrLen = kIp4Size;
-}
+ZotIpAddr::ZotIpAddr(unsigned int addr)
+    : ZotIpAddr(reinterpret_cast<const unsigned char*>(&addr), sizeof addr) {}
 
-ZotIpAddr::ZotIpAddr(const unsigned char* bytes, unsigned int len) : ZotIpAddr() {
-  std::copy_n(bytes, std::min(len, kIp6Size), abAddr);
-  uAddrLen = len;
+ZotIpAddr::ZotIpAddr(const unsigned char* bytes, unsigned int len) : pszText(nullptr) {
+  set(bytes, len);
 }
 
 ZotIpAddr::ZotIpAddr(const char* text) : ZotIpAddr() {
@@ -79,15 +76,14 @@ ZotIpAddr::ZotIpAddr(const ZotIpAddr& other) : ZotIpAddr(other.abAddr, other.uAd
 
 ZotIpAddr& ZotIpAddr::operator=(const ZotIpAddr& other) {
   if (this != &other) {
-    Clear();
-    std::copy_n(other.abAddr, std::min(other.uAddrLen, kIp6Size), abAddr);
-    uAddrLen = other.uAddrLen;
+    set(other.abAddr, other.uAddrLen);
   }
   return *this;
 }
 
 ZotIpAddr& ZotIpAddr::operator=(unsigned int addr) {
-  return *this = ZotIpAddr(addr);
+  set(reinterpret_cast<const unsigned char*>(&addr), sizeof addr);
+  return *this;
 }
 
 unsigned int ZotIpAddr::operator=(const char* text) {
@@ -134,25 +130,31 @@ unsigned char ZotIpAddr::operator[](unsigned long i) const {
   return i > uAddrLen || i >= sizeof abAddr ? 0 : abAddr[i];
 }
 
+void ZotIpAddr::set(const unsigned char* bytes, unsigned int len) {
+  std::memset(abAddr, 0, sizeof abAddr);
+  std::copy_n(bytes, std::min(len, kIp6Size), abAddr);
+  uAddrLen = len;
+}
+
 void ZotIpAddr::Clear() {
   std::memset(abAddr, 0, sizeof abAddr);
   uAddrLen = 0;
 }
 
 void ZotIpAddr::SetAnyHostV4() {
-  *this = ZotIpAddr(kAnyHost, kIp4Size);
+  set(kAnyHost, kIp4Size);
 }
 
 void ZotIpAddr::SetAnyHostV6() {
-  *this = ZotIpAddr(kAnyHost, kIp6Size);
+  set(kAnyHost, kIp6Size);
 }
 
 void ZotIpAddr::SetLocalHostV4() {
-  *this = ZotIpAddr(kLocalHostV4, kIp4Size);
+  set(kLocalHostV4, kIp4Size);
 }
 
 void ZotIpAddr::SetLocalHostV6() {
-  *this = ZotIpAddr(kLocalHostV6, kIp6Size);
+  set(kLocalHostV6, kIp6Size);
 }
 
 unsigned int ZotIpAddr::ConvertV4ToIpV6() {
@@ -208,7 +210,7 @@ unsigned int ZotIpAddr::SetIpAddrFromData(const unsigned char* data, unsigned in
     Clear();
     return 0;
   }
-  *this = ZotIpAddr(data, len);
+  set(data, len);
   return 1;
 }
 

@@ -129,6 +129,10 @@ class ZOT_EXPORT ZotIpAddr {
   unsigned int operator>=(const ZotIpAddr& other) const;
 
  private:
+  friend class Mif32;  // writes the bytes into records
+
+  ZOT_LOCAL void set(const unsigned char* bytes, unsigned int len);
+
   unsigned char abAddr[16];
   unsigned int uAddrLen;
   char* pszText;

@@ -37,6 +37,31 @@ unsigned int decimalDigit(char c) {
   return static_cast<unsigned int>(static_cast<unsigned char>(c)) - '0';
 }
 
+// Reads a decimal number and returns the place behind it; null when there is none or
+// it is above 255.  The first three digits, all that most numbers have, need no loop.
+const char* readNumber(const char* text, unsigned char& number) {
+  unsigned int digit = decimalDigit(*text);
+  if (digit > 9) {
+    return nullptr;
+  }
+  unsigned int value = digit;
+  if ((digit = decimalDigit(*++text)) <= 9) {
+    value = value * 10 + digit;
+    if ((digit = decimalDigit(*++text)) <= 9) {
+      value = value * 10 + digit;
+      while (value <= 255 && (digit = decimalDigit(*++text)) <= 9) {
+        value = value * 10 + digit;
+      }
+    }
+  }
+  number = static_cast<unsigned char>(value);
+  return value <= 255 ? text : nullptr;
+}
+
+const char* readNextNumber(const char* end, unsigned char& number) {
+  return end != nullptr && *end == '.' ? readNumber(end + 1, number) : nullptr;
+}
+
 // The bytes of an IPv6 address while its text is read from left to right.
 class Ip6Scratch {
  public:
@@ -172,28 +197,12 @@ char* putQuad(const unsigned char* src, char* at) {
 }  // namespace
 
 int zot_inet_pton4(const char* text, unsigned char* dst) {
-  if (text == nullptr) {
-    return 0;
-  }
   unsigned char bytes[kIp4Size];
-  for (size_t part = 0; part < kIp4Size; ++part) {
-    if (part != 0 && *text++ != '.') {
-      return 0;
-    }
-    unsigned int digit = decimalDigit(*text);
-    if (digit > 9) {
-      return 0;
-    }
-    unsigned int number = 0;
-    for (; digit <= 9; digit = decimalDigit(*++text)) {
-      number = number * 10 + digit;
-      if (number > 255) {
-        return 0;
-      }
-    }
-    bytes[part] = static_cast<unsigned char>(number);
-  }
-  if (*text != '\0') {
+  const char* end = text != nullptr ? readNumber(text, bytes[0]) : nullptr;
+  end = readNextNumber(end, bytes[1]);
+  end = readNextNumber(end, bytes[2]);
+  end = readNextNumber(end, bytes[3]);
+  if (end == nullptr || *end != '\0') {
     return 0;
   }
   std::memcpy(dst, bytes, sizeof bytes);

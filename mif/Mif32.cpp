@@ -1,6 +1,7 @@
 #include "mif/Mif32.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -15,6 +16,42 @@ constexpr unsigned int kGrowthMargin = 1000;
 // A larger block grows by realloc(), which may leave its bytes behind in freed memory.
 constexpr unsigned int kLargestCopiedBlock = 65536;
 
+// Both fields of a header, written at once.
+struct Header {
+  unsigned short oid;
+  unsigned short length;
+};
+static_assert(sizeof(Header) == kMifHeaderSize);
+
+// Values up to this length are written by a few instructions and no call.
+constexpr unsigned short kShortValue = 32;
+
+template <typename Word>
+void copyEnds(unsigned char* to, const unsigned char* from, size_t count) {
+  const size_t last = count - sizeof(Word);
+  const auto head = mifLoad<Word>(from);
+  const auto tail = mifLoad<Word>(from + last);
+  mifStore(to, head);
+  mifStore(to + last, tail);
+}
+
+// Copies up to kShortValue bytes as memmove() does: the words at both ends, which meet
+// or overlap.
+void copyShort(unsigned char* to, const unsigned char* from, size_t count) {
+  using Wide = std::array<uint64_t, 2>;
+  if (count > sizeof(Wide)) {
+    copyEnds<Wide>(to, from, count);
+  } else if (count >= sizeof(uint64_t)) {
+    copyEnds<uint64_t>(to, from, count);
+  } else if (count >= sizeof(uint32_t)) {
+    copyEnds<uint32_t>(to, from, count);
+  } else if (count >= sizeof(uint16_t)) {
+    copyEnds<uint16_t>(to, from, count);
+  } else if (count != 0) {
+    *to = *from;
+  }
+}
+
 }  // namespace
 
 Mif32::Mif32() : pbData(nullptr), uLen(0), uAllocLen(0), cFailed(0), cExternal(0) {}
@@ -22,11 +59,6 @@ Mif32::Mif32() : pbData(nullptr), uLen(0), uAllocLen(0), cFailed(0), cExternal(0
 Mif32::~Mif32() {
   releaseBlock();
   detach();
-}
-
-// The bytes that a walk may see: those in use, as far as they lie in the block.
-unsigned int Mif32::usedBytes() const {
-  return pbData == nullptr ? 0 : std::min(uLen, uAllocLen);
 }
 
 bool Mif32::ownsAddress(const unsigned char* address) const {
@@ -178,9 +210,9 @@ void Mif32::SetData(const char* data, unsigned int size) {
   SetData(reinterpret_cast<const unsigned char*>(data), size);
 }
 
-// Makes room for count bytes behind those in use.  A value inside the block moves
-// with it when the block grows.
-bool Mif32::makeRoom(uint64_t count, const unsigned char*& value) {
+// Makes room for count bytes behind those in use where there is none yet.  A value
+// inside the block moves with it when the block grows.
+[[gnu::noinline]] bool Mif32::makeRoom(uint64_t count, const unsigned char*& value) {
   const bool inside = value != nullptr && ownsAddress(value);
   const size_t valueOffset = inside ? static_cast<size_t>(value - pbData) : 0;
   if (count > UINT32_MAX || CheckSize(static_cast<unsigned int>(count)) == 0) {
@@ -192,25 +224,9 @@ bool Mif32::makeRoom(uint64_t count, const unsigned char*& value) {
   return true;
 }
 
-unsigned int Mif32::append(const void* header, unsigned int headerLen, const unsigned char* value,
-                           unsigned int len) {
-  const uint64_t count = uint64_t{headerLen} + len;
-  if (!makeRoom(count, value)) {
-    return 0;
-  }
-  if (headerLen != 0) {
-    std::memcpy(pbData + uLen, header, headerLen);
-  }
-  if (len != 0) {
-    std::memmove(pbData + uLen + headerLen, value, len);
-  }
-  uLen += static_cast<unsigned int>(count);
-  return 1;
-}
-
 // A value behind the end marker stands where that of a record would, two bytes
 // further than the room made for it; callers rely on the figures.
-unsigned int Mif32::appendEndMarker(const unsigned char* value, unsigned short len) {
+[[gnu::noinline]] unsigned int Mif32::addEndMarker(const unsigned char* value, unsigned short len) {
   const unsigned int count = kMifEndMarkerSize + len;
   if (!makeRoom(count, value)) {
     return 0;
@@ -224,26 +240,68 @@ unsigned int Mif32::appendEndMarker(const unsigned char* value, unsigned short l
   return 1;
 }
 
-unsigned int Mif32::Add(unsigned short oid, const unsigned char* value, unsigned short len) {
+// Add() for a record of any kind and size.
+[[gnu::noinline]] unsigned int Mif32::addAny(unsigned short oid, const unsigned char* value,
+                                             unsigned short len) {
   if (value == nullptr && len != 0) {
     return 0;
   }
   if (oid == kMifEndMarker) {
-    return appendEndMarker(value, len);
+    return addEndMarker(value, len);
   }
-  unsigned char header[kMifHeaderSize];
-  mifStore(header, oid);
-  mifStore(header + 2, len);
-  return append(header, kMifHeaderSize, value, len);
+  const unsigned int count = kMifHeaderSize + len;
+  if (!makeRoom(count, value)) {
+    return 0;
+  }
+  unsigned char* const record = pbData + uLen;
+  mifStore(record, Header{oid, len});
+  if (len != 0) {
+    std::memmove(record + kMifHeaderSize, value, len);
+  }
+  uLen += count;
+  return 1;
+}
+
+unsigned int Mif32::Add(unsigned short oid, const unsigned char* value, unsigned short len) {
+  const unsigned int count = kMifHeaderSize + len;
+  if (value == nullptr || len > kShortValue || oid == kMifEndMarker || !hasRoom(count)) {
+    return addAny(oid, value, len);
+  }
+  unsigned char* const record = pbData + uLen;
+  mifStore(record, Header{oid, len});
+  copyShort(record + kMifHeaderSize, value, len);
+  uLen += count;
+  return 1;
+}
+
+template <typename Number>
+[[gnu::noinline]] unsigned int Mif32::addNumberAny(unsigned short oid, Number number) {
+  return addAny(oid, reinterpret_cast<const unsigned char*>(&number), sizeof number);
+}
+
+// Add() for what most records hold.
+template <typename Number>
+unsigned int Mif32::addNumber(unsigned short oid, Number number) {
+  constexpr unsigned int count = kMifHeaderSize + sizeof number;
+  if (oid == kMifEndMarker || !hasRoom(count)) {
+    return addNumberAny(oid, number);
+  }
+  unsigned char* const record = pbData + uLen;
+  mifStore(record, Header{oid, sizeof number});
+  mifStore(record + kMifHeaderSize, number);
+  uLen += count;
+  return 1;
 }
 
 unsigned int Mif32::AddInt(unsigned short oid, unsigned int value) {
-  return Add(oid, reinterpret_cast<const unsigned char*>(&value), sizeof value);
+  return addNumber(oid, value);
 }
 
 unsigned int Mif32::AddInt64(unsigned short oid, unsigned long long value) {
-  const unsigned short len = value >> 32 != 0 ? 8 : 4;
-  return Add(oid, reinterpret_cast<const unsigned char*>(&value), len);
+  if (value >> 32 != 0) {
+    return addNumber(oid, value);
+  }
+  return addNumber(oid, mifLoad<uint32_t>(reinterpret_cast<const unsigned char*>(&value)));
 }
 
 unsigned int Mif32::AddStr(unsigned short oid, const char* text) {
@@ -259,7 +317,7 @@ unsigned int Mif32::AddBin(unsigned short oid, const unsigned char* data, unsign
 }
 
 unsigned int Mif32::AddTime(unsigned short oid, long time) {
-  return AddInt(oid, static_cast<unsigned int>(time));
+  return addNumber(oid, static_cast<unsigned int>(time));
 }
 
 unsigned int Mif32::AddEndKz() {
@@ -290,30 +348,42 @@ unsigned int Mif32::DelEndKz() {
   return 1;
 }
 
+template <typename Number>
+unsigned int Mif32::rawAddNumber(Number number) {
+  return RawAddBin(reinterpret_cast<const unsigned char*>(&number), sizeof number);
+}
+
 unsigned int Mif32::RawAddByte(unsigned char value) {
-  return append(&value, sizeof value, nullptr, 0);
+  return rawAddNumber(value);
 }
 
 unsigned int Mif32::RawAddWord(unsigned short value) {
-  return append(&value, sizeof value, nullptr, 0);
+  return rawAddNumber(value);
 }
 
 unsigned int Mif32::RawAddDWord(unsigned int value) {
-  return append(&value, sizeof value, nullptr, 0);
+  return rawAddNumber(value);
 }
 
 unsigned int Mif32::RawAddLDWord(unsigned long long value) {
-  return append(&value, sizeof value, nullptr, 0);
+  return rawAddNumber(value);
 }
 
 unsigned int Mif32::RawAddBin(const unsigned char* data, unsigned int len) {
-  return data != nullptr ? append(nullptr, 0, data, len) : 0;
+  if (data == nullptr || !makeRoom(len, data)) {
+    return 0;
+  }
+  if (len != 0) {
+    std::memmove(pbData + uLen, data, len);
+  }
+  uLen += len;
+  return 1;
 }
 
 unsigned int Mif32::RawAddStr(const char* text) {
   const size_t len = text != nullptr ? std::strlen(text) : 0;
-  if (text == nullptr || len > UINT32_MAX) {
+  if (len > UINT32_MAX) {
     return 0;
   }
-  return append(nullptr, 0, reinterpret_cast<const unsigned char*>(text), static_cast<unsigned int>(len));
+  return RawAddBin(reinterpret_cast<const unsigned char*>(text), static_cast<unsigned int>(len));
 }

@@ -181,15 +181,22 @@ class ZOT_EXPORT Mif32 {
   unsigned int DelOid(unsigned short oid);
 
  private:
-  ZOT_LOCAL unsigned int usedBytes() const;
+  // The bytes that a walk may see: those in use, as far as they lie in the block.
+  unsigned int usedBytes() const { return pbData == nullptr ? 0 : uLen < uAllocLen ? uLen : uAllocLen; }
+  bool hasRoom(uint64_t count) const { return pbData != nullptr && uLen + count <= uAllocLen; }
   ZOT_LOCAL bool ownsAddress(const unsigned char* address) const;
   ZOT_LOCAL void releaseBlock();
   ZOT_LOCAL void detach();
   ZOT_LOCAL unsigned int grow(unsigned int newAllocLen);
   ZOT_LOCAL bool makeRoom(uint64_t count, const unsigned char*& value);
-  ZOT_LOCAL unsigned int append(const void* header, unsigned int headerLen, const unsigned char* value,
-                                unsigned int len);
-  ZOT_LOCAL unsigned int appendEndMarker(const unsigned char* value, unsigned short len);
+  ZOT_LOCAL unsigned int addEndMarker(const unsigned char* value, unsigned short len);
+  ZOT_LOCAL unsigned int addAny(unsigned short oid, const unsigned char* value, unsigned short len);
+  template <typename Number>
+  ZOT_LOCAL unsigned int addNumberAny(unsigned short oid, Number number);
+  template <typename Number>
+  ZOT_LOCAL unsigned int addNumber(unsigned short oid, Number number);
+  template <typename Number>
+  ZOT_LOCAL unsigned int rawAddNumber(Number number);
   template <typename Writer>
   ZOT_LOCAL unsigned int appendBeforeEndKz(Writer write);
   ZOT_LOCAL unsigned char* buildUpdated(unsigned int offset, unsigned int oldLen, const unsigned char* value,

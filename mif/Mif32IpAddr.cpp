@@ -1,6 +1,4 @@
 // The records of Mif32 that hold an address.
-#include <sys/socket.h>
-
 #include "ipaddr/AddressSizesInternal.h"
 #include "ipaddr/ZotIpAddr.h"
 #include "mif/Mif32.h"
@@ -14,16 +12,6 @@ unsigned int Mif32::AddIpAddr(unsigned short oid, ZotIpAddr* addr) {
   if (addr == nullptr) {
     return 0;
   }
-  unsigned char bytes[kIp6Size];
-  switch (addr->GetAF()) {
-    case AF_INET:
-      return AddIpAddrV4(oid, addr);
-    case AF_INET6:
-      for (unsigned int i = 0; i < kIp6Size; ++i) {
-        bytes[i] = (*addr)[i];
-      }
-      return Add(oid, bytes, kIp6Size);
-    default:
-      return Add(oid, nullptr, 0);
-  }
+  const bool hasFamily = addr->uAddrLen == kIp4Size || addr->uAddrLen == kIp6Size;
+  return Add(oid, addr->abAddr, static_cast<unsigned short>(hasFamily ? addr->uAddrLen : 0));
 }

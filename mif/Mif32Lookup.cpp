@@ -1,10 +1,10 @@
 // Mif32: finding and reading records.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
 #include "mif/Mif32.h"
 #include "mif/MifRecord.h"
-#include "os/zot_string.h"
 
 unsigned int Mif32::Seek(unsigned short oid, unsigned int* valueOffset, unsigned int* valueLen,
                          unsigned int occurrence) {
@@ -26,67 +26,78 @@ unsigned int Mif32::SearchValue(unsigned short oid, unsigned int* valueLen, unsi
 }
 
 unsigned int Mif32::GetStr(unsigned short oid, char* dst, unsigned short dstSize, unsigned int occurrence) {
-  unsigned int offset = 0;
-  unsigned int length = 0;
-  if (dst == nullptr || dstSize == 0 || Seek(oid, &offset, &length, occurrence) == 0 || dstSize <= length) {
+  if (dst == nullptr || dstSize == 0) {
     return 0;
   }
-  std::memset(dst, 0, dstSize);
-  const unsigned int inside = uAllocLen - offset;
-  strncpy_zot(dst, dstSize, reinterpret_cast<const char*>(pbData + offset),
-              length < inside ? length : inside);
+  const auto record = MifRecords(pbData, usedBytes()).find(oid, occurrence);
+  if (!record || dstSize <= record->length) {
+    return 0;
+  }
+  const auto inside = static_cast<size_t>(uAllocLen - record->valueOffset());
+  const auto* text = reinterpret_cast<const char*>(record->value);
+  const size_t length = strnlen(text, std::min<size_t>(record->length, inside));
+  std::memcpy(dst, text, length);
+  std::memset(dst + length, 0, dstSize - length);
   return 1;
 }
 
 unsigned int Mif32::GetBinPtr(unsigned short oid, unsigned char** value, unsigned int* valueLen,
                               unsigned int occurrence) {
-  unsigned int offset = 0;
-  if (valueLen == nullptr || Seek(oid, &offset, valueLen, occurrence) == 0) {
+  if (valueLen == nullptr) {
     return 0;
   }
+  const auto record = MifRecords(pbData, usedBytes()).find(oid, occurrence);
+  if (!record) {
+    return 0;
+  }
+  *valueLen = record->length;
   if (value != nullptr) {
-    *value = pbData + offset;
+    *value = pbData + record->valueOffset();
   }
   return 1;
 }
 
 unsigned int Mif32::GetBin(unsigned short oid, unsigned char* dst, unsigned int* len,
                            unsigned int occurrence) {
-  unsigned int offset = 0;
-  unsigned int length = 0;
-  if (len == nullptr || Seek(oid, &offset, &length, occurrence) == 0) {
+  if (len == nullptr) {
+    return 0;
+  }
+  const auto record = MifRecords(pbData, usedBytes()).find(oid, occurrence);
+  if (!record) {
     return 0;
   }
   if (dst != nullptr) {
-    if (length > *len) {
+    if (record->length > *len) {
       return 0;
     }
-    mifCopyBounded(dst, pbData, uAllocLen, offset, length);
+    mifCopyBounded(dst, pbData, uAllocLen, record->valueOffset(), record->length);
   }
-  *len = length;
+  *len = record->length;
   return 1;
 }
 
 unsigned int Mif32::GetInt(unsigned short oid, unsigned int* value, unsigned int occurrence) {
-  unsigned int offset = 0;
-  if (value == nullptr || Seek(oid, &offset, nullptr, occurrence) == 0) {
+  if (value == nullptr) {
     return 0;
   }
-  mifCopyBounded(value, pbData, uAllocLen, offset, sizeof *value);
+  const auto record = MifRecords(pbData, usedBytes()).find(oid, occurrence);
+  if (!record) {
+    return 0;
+  }
+  mifCopyBounded(value, pbData, uAllocLen, record->valueOffset(), sizeof *value);
   return 1;
 }
 
 unsigned int Mif32::GetInt64(unsigned short oid, unsigned long long* value, unsigned int occurrence) {
-  unsigned int offset = 0;
-  unsigned int length = 0;
   if (value == nullptr || occurrence == 0) {
     return 0;
   }
   *value = 0;
-  if (Seek(oid, &offset, &length, occurrence) == 0) {
+  const auto record = MifRecords(pbData, usedBytes()).find(oid, occurrence);
+  if (!record) {
     return 0;
   }
-  mifCopyBounded(value, pbData, uAllocLen, offset, length == 4 ? 4 : sizeof *value);
+  mifCopyBounded(value, pbData, uAllocLen, record->valueOffset(), record->length == 4 ? 4 : sizeof *value);
   return 1;
 }
 

@@ -81,7 +81,12 @@ class MifRecords {
     reference operator*() const { return record_; }
     pointer operator->() const { return &record_; }
     iterator& operator++() {
-      load(record_.valueOffset() + record_.length);
+      record_.offset = record_.valueOffset() + record_.length;
+      if (record_.length > behind_) {
+        atEnd_ = true;
+      } else {
+        look(record_.value + record_.length, behind_ - record_.length);
+      }
       return *this;
     }
     iterator operator++(int) {
@@ -101,31 +106,23 @@ class MifRecords {
 
    private:
     friend class MifRecords;
-    iterator(const unsigned char* bytes, uint64_t size) : bytes_(bytes), size_(size), atEnd_(false) {
-      load(0);
-    }
+    iterator(const unsigned char* bytes, uint64_t size) { look(bytes, size); }
 
-    void load(uint64_t offset) {
-      record_.offset = offset;
-      if (offset > size_ || size_ - offset < kMifHeaderSize) {
-        atEnd_ = true;
+    // Takes what stands at the next header, which has left bytes of the walk.
+    void look(const unsigned char* header, uint64_t left) {
+      atEnd_ = left < kMifHeaderSize || mifLoad<unsigned short>(header) == kMifEndMarker;
+      if (atEnd_) {
         return;
       }
-      const unsigned char* header = bytes_ + offset;
+      behind_ = left - kMifHeaderSize;
       record_.oid = mifLoad<unsigned short>(header);
-      if (record_.oid == kMifEndMarker) {
-        atEnd_ = true;
-        return;
-      }
       record_.length = mifLoad<unsigned short>(header + 2);
       record_.value = header + kMifHeaderSize;
-      const uint64_t left = size_ - offset - kMifHeaderSize;
-      record_.available = left < record_.length ? static_cast<size_t>(left) : record_.length;
+      record_.available = behind_ < record_.length ? static_cast<size_t>(behind_) : record_.length;
     }
 
-    const unsigned char* bytes_ = nullptr;
-    uint64_t size_ = 0;
     bool atEnd_ = true;
+    uint64_t behind_ = 0;  // bytes of the walk from the value on
     MifRecord record_ = {};
   };
 
