@@ -5,11 +5,13 @@
 #ifndef ZOT_FIELD_BYTES_INTERNAL_H
 #define ZOT_FIELD_BYTES_INTERNAL_H
 
+#include <algorithm>
 #include <array>
 #include <concepts>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <span>
 
 #include "mif/Mif32.h"
@@ -51,6 +53,26 @@ inline std::array<uint8_t, 4> looseIpV4(const char* text) {
     value[3 - field] = fieldByte(number);
   }
   return value;
+}
+
+// The value of the first record of an OID, in place until the next change.
+struct PlacedValue {
+  const unsigned char* bytes;
+  unsigned int length;  // as the record says
+  size_t inside;        // bytes of it that lie in the block
+
+  // The text up to its first zero byte, at the latest where the block ends.
+  size_t textLength() const { return strnlen(reinterpret_cast<const char*>(bytes), inside); }
+};
+
+inline std::optional<PlacedValue> valueOf(Mif32& records, uint16_t oid) {
+  unsigned char* bytes = nullptr;
+  unsigned int length = 0;
+  if (records.GetBinPtr(oid, &bytes, &length, 1) == 0) {
+    return std::nullopt;
+  }
+  const auto left = static_cast<size_t>(records.GetData() + records.GetAllocLen() - bytes);
+  return PlacedValue{bytes, length, std::min<size_t>(length, left)};
 }
 
 // Reads the first record of an OID, whose value must have exactly the length of

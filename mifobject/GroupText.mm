@@ -3,10 +3,11 @@
 #include <cstdio>
 
 #include "mifobject/FieldBytesInternal.h"
+#import "mifobject/ZOTMifBufferInternal.h"
 
 namespace {
 
-constexpr size_t kLongestGroup = sizeof "255.";
+constexpr size_t kLongestText = zot::kKeyForm.count * (sizeof "255." - 1) + 1;
 
 NSArray* groupsOf(const zot::GroupForm& form, NSString* text) {
   if (!form.colonSeparates) {
@@ -38,9 +39,9 @@ BOOL zot::splitGroups(const GroupForm& form, NSString* text, NSMutableArray* num
     NSString* group = [groups objectAtIndex:i];
     if (form.hexadecimal) {
       [[NSScanner scannerWithString:group] scanHexInt:&scanned];
-      [numbers addObject:[NSNumber numberWithUnsignedInt:scanned]];
+      [numbers addObject:[numberClass() numberWithUnsignedInt:scanned]];
     } else {
-      [numbers addObject:[NSNumber numberWithInteger:[group integerValue]]];
+      [numbers addObject:[numberClass() numberWithInteger:[group integerValue]]];
     }
   }
   return YES;
@@ -64,11 +65,14 @@ std::optional<BOOL> zot::groupBytes(const GroupForm& form, ZOTMifBuffer* buffer,
 }
 
 NSString* zot::groupText(const GroupForm& form, const uint8_t* value) {
-  NSMutableString* text = [NSMutableString string];
+  char text[kLongestText];
+  size_t length = 0;
   for (NSUInteger i = 0; i < form.count; ++i) {
-    char group[kLongestGroup];
-    std::snprintf(group, sizeof group, form.printed, value[placeOf(form, i)]);
-    [text appendFormat:@"%s%s", i == 0 ? "" : ".", group];
+    if (i != 0) {
+      text[length++] = '.';
+    }
+    const int printed = std::snprintf(text + length, sizeof text - length, form.printed, value[placeOf(form, i)]);
+    length += static_cast<size_t>(printed);
   }
-  return text;
+  return [stringClass() stringWithCString:text encoding:NSASCIIStringEncoding];
 }

@@ -1,14 +1,17 @@
 #import "mifobject/ZOTMifBuffer.h"
 
+#include <algorithm>
 #include <new>
 
 #include "mif/Mif32.h"
 #include "mif/MifRecord.h"
+#include "mifobject/FieldBytesInternal.h"
 #import "mifobject/ZOTMifBufferInternal.h"
 
 namespace {
 
-constexpr unsigned short kStringBufferSize = 512;
+// Texts are read with a terminator.
+constexpr unsigned int kStringBufferSize = 512;
 
 // The conversions cut to the low 16 bits, negative numbers included.
 unsigned short low16(NSUInteger number) {
@@ -17,6 +20,24 @@ unsigned short low16(NSUInteger number) {
 
 const unsigned char* bytesOf(NSData* data) {
   return static_cast<const unsigned char*>([data bytes]);
+}
+
+// Replaces the contents of data by length bytes, of which the first inside stand at
+// bytes and the others are 0.
+void fill(NSMutableData* data, const unsigned char* bytes, size_t inside, NSUInteger length) {
+  NSData* contents;
+  if (inside == length) {
+    // setData: copies, so that these bytes need not be copied for it.
+    contents = [[dataClass() alloc] initWithBytesNoCopy:const_cast<unsigned char*>(bytes)
+                                                 length:length
+                                           freeWhenDone:NO];
+  } else {
+    NSMutableData* padded = [[NSMutableData alloc] initWithLength:length];
+    mifCopyBounded([padded mutableBytes], bytes, inside, 0, length);
+    contents = padded;
+  }
+  [data setData:contents];
+  [contents release];
 }
 
 }  // namespace
@@ -75,11 +96,9 @@ const unsigned char* bytesOf(NSData* data) {
     return;
   }
   // A length set by hand may claim more than the block holds.
-  NSMutableData* copy = [[NSMutableData alloc] initWithLength:mif32->GetLen()];
+  const unsigned int length = mif32->GetLen();
   const unsigned int block = mif32->GetData() != nullptr ? mif32->GetAllocLen() : 0;
-  mifCopyBounded([copy mutableBytes], mif32->GetData(), block, 0, mif32->GetLen());
-  [buffer setData:copy];
-  [copy release];
+  fill(buffer, mif32->GetData(), std::min(length, block), length);
 }
 
 - (int)getDataLen {
@@ -114,7 +133,7 @@ const unsigned char* bytesOf(NSData* data) {
     return NO;
   }
   if (value != nullptr) {
-    *value = [NSNumber numberWithUnsignedInt:number];
+    *value = [numberClass() numberWithUnsignedInt:number];
   }
   return YES;
 }
@@ -125,32 +144,31 @@ const unsigned char* bytesOf(NSData* data) {
     return NO;
   }
   if (value != nullptr) {
-    *value = [NSNumber numberWithUnsignedLongLong:number];
+    *value = [numberClass() numberWithUnsignedLongLong:number];
   }
   return YES;
 }
 
 - (BOOL)getString:(NSMutableString*)text forOid:(int)oid {
-  char buffer[kStringBufferSize] = {};
-  if (mif32->GetStr(oid16(oid), buffer, sizeof buffer, 1) != 1) {
+  const auto value = zot::valueOf(*mif32, oid16(oid));
+  if (!value || value->length >= kStringBufferSize) {
     return NO;
   }
-  [text setString:[NSString stringWithCString:buffer encoding:NSISOLatin1StringEncoding]];
+  NSString* contents = [[stringClass() alloc] initWithBytes:value->bytes
+                                                     length:value->textLength()
+                                                   encoding:NSISOLatin1StringEncoding];
+  [text setString:contents];
+  [contents release];
   return YES;
 }
 
 - (BOOL)getBinData:(NSMutableData*)data forOid:(int)oid {
-  unsigned int size = 0;
-  if (data == nil || mif32->GetBin(oid16(oid), nullptr, &size, 1) == 0) {
+  const auto value = data != nil ? zot::valueOf(*mif32, oid16(oid)) : std::nullopt;
+  if (!value) {
     return NO;
   }
-  NSMutableData* copy = [[NSMutableData alloc] initWithLength:size];
-  const BOOL read = mif32->GetBin(oid16(oid), static_cast<unsigned char*>([copy mutableBytes]), &size, 1) != 0;
-  if (read) {
-    [data setData:copy];
-  }
-  [copy release];
-  return read;
+  fill(data, value->bytes, value->inside, value->length);
+  return YES;
 }
 
 - (BOOL)updateInt:(NSNumber*)value forOid:(int)oid {

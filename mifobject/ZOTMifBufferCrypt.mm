@@ -84,7 +84,7 @@ SecretBlock scrambled(NSString* password) {
       DeCryptPasw_20(text.bytes, stored.bytes, sizeof text.bytes) == 0) {
     return NO;
   }
-  [password setString:[NSString stringWithCString:reinterpret_cast<const char*>(text.bytes)
+  [password setString:[stringClass() stringWithCString:reinterpret_cast<const char*>(text.bytes)
                                          encoding:NSISOLatin1StringEncoding]];
   return YES;
 }
@@ -94,7 +94,7 @@ SecretBlock scrambled(NSString* password) {
   if (!zot::groupBytes(kKeyForm, self, key, value.data())) {
     return NO;
   }
-  [self addBin:[NSData dataWithBytes:value.data() length:value.size()] forOid:oid];
+  [self addBin:[dataClass() dataWithBytes:value.data() length:value.size()] forOid:oid];
   return YES;
 }
 

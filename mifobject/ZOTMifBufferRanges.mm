@@ -16,7 +16,7 @@ namespace {
 
 template <typename Array>
 NSData* dataOf(const Array& value) {
-  return [NSData dataWithBytes:value.data() length:sizeof value];
+  return [dataClass() dataWithBytes:value.data() length:sizeof value];
 }
 
 // The bytes of the text's four numbers; nil for a text that ASCII cannot hold.
@@ -38,7 +38,7 @@ NSData* rangeData(ZOTMifBuffer* buffer, const zot::GroupForm& form, NSString* fr
   } else if (!zot::groupBytes(form, buffer, to, end).value_or(NO)) {
     return nil;
   }
-  return [NSData dataWithBytes:value.data() length:2 * form.count];
+  return [dataClass() dataWithBytes:value.data() length:2 * form.count];
 }
 
 // Both give YES for a value that could be made, whatever came of the record: callers
@@ -155,8 +155,8 @@ BOOL readAddresses(Mif32& records, int oid, const zot::GroupForm& form,
   if (start == nullptr || end == nullptr || !zot::readWhole(*mif32, oid16(oid), value)) {
     return NO;
   }
-  *start = [NSNumber numberWithUnsignedInt:value[0]];
-  *end = [NSNumber numberWithUnsignedInt:value[1]];
+  *start = [numberClass() numberWithUnsignedInt:value[0]];
+  *end = [numberClass() numberWithUnsignedInt:value[1]];
   return YES;
 }
 
