@@ -27,21 +27,20 @@ bool removeSet(int32_t semId) {
   return semctl(semId, 0, IPC_RMID) != -1;
 }
 
-// Takes (-1) or gives (+1) one unit.  Returns 0 or the error number.
-int operate(int32_t semId, short amount, uint32_t flags) {
-  // No SEM_UNDO: a process that dies with a mutex leaves it taken, so that nobody
-  // walks into the data it was changing.
-  sembuf operation{};
-  operation.sem_op = amount;
-  operation.sem_flg = static_cast<short>(flags);
-  return semop(semId, &operation, 1) == 0 ? 0 : errno;
+// Does all of the operations or none.  Returns 0 or the error number.
+//
+// None has SEM_UNDO: a process that dies with a mutex leaves it taken, so that nobody
+// walks into the data it was changing.
+template <size_t count>
+int operate(int32_t semId, sembuf (&&operations)[count]) {
+  return semop(semId, operations, count) == 0 ? 0 : errno;
 }
 
 // Takes one unit.  Returns 0 or the error number, EINTR when the process is
 // shutting down.
 int takeUnit(int32_t semId, uint32_t flags) {
   for (;;) {
-    const int error = operate(semId, -1, flags);
+    const int error = operate(semId, {{0, -1, static_cast<short>(flags)}});
     if (error == EINTR) {
       ZOT_LINE(ZOT_LOG_ERROR, "!!!!!! semop interrupted: %d=%s shutd=%lu", error, std::strerror(error),
                static_cast<unsigned long>(fShutdown));
@@ -51,6 +50,13 @@ int takeUnit(int32_t semId, uint32_t flags) {
       return error;
     }
   }
+}
+
+// Gives one unit, to a mutex only while it is taken: otherwise EAGAIN, also when another
+// process frees it at the same moment.  Returns 0 or the error number.
+int giveUnit(int32_t semId, bool mutex) {
+  constexpr sembuf give{0, 1, 0}, ifTaken{0, 0, IPC_NOWAIT};
+  return mutex ? operate(semId, {ifTaken, give}) : operate(semId, {give});
 }
 
 void refuseFiniteTimeout(uint32_t timeoutMs) {
@@ -283,13 +289,14 @@ uint32_t ZotOsSet(int32_t semId, uint32_t* result, uint32_t typeLetter, uint32_t
 
 uint32_t ZotOsRelease(int32_t semId, uint32_t typeLetter) {
   const int letter = static_cast<int>(typeLetter);
-  const int32_t value = ZotOsSemaphoreVal(semId);
+  const bool mutex = typeLetter == 'M';
   ZOT_LINE_IDS(ZOT_LOG_DEBUG, "DEBUG ZotOsRelease%c(%d) entry: semval=%d (pid=%u tid=%ld)", letter, semId,
-               value);
-  if (typeLetter == 'M' && value > 0) {
-    return 1;
+               ZotOsSemaphoreVal(semId));
+  const int error = giveUnit(semId, mutex);
+  if (mutex && error == EAGAIN) {
+    return 1;  // it was free already
   }
-  if (const int error = operate(semId, 1, 0); error != 0) {
+  if (error != 0) {
     ZOT_LINE_ERR_IDS(ZOT_LOG_ERROR, error,
                      "ERROR ZotOsRelease%c(%d): semop failed (semval=%d) (%d=%s pid=%u tid=%ld)", letter,
                      semId, ZotOsSemaphoreVal(semId));
