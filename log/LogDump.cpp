@@ -1,6 +1,7 @@
 // The dump behind a data line.
 #include <algorithm>
-#include <cstdio>
+#include <array>
+#include <charconv>
 #include <cstring>
 
 #include "log/LogInternal.h"
@@ -54,20 +55,28 @@ class Columns {
   size_t at_ = 0;
 };
 
-char shown(unsigned char byte) {
-  return byte >= 0x20 && byte <= 0x7F ? static_cast<char>(byte) : '.';
-}
+// What each byte looks like: a blank and two digits, and behind them its character.
+using Look = std::array<char, 4>;
+
+constexpr std::array<Look, 256> kLooks = [] {
+  constexpr char digits[] = "0123456789ABCDEF";
+  std::array<Look, 256> looks{};
+  for (size_t byte = 0; byte < looks.size(); ++byte) {
+    const char character = byte >= 0x20 && byte <= 0x7F ? static_cast<char>(byte) : '.';
+    looks[byte] = {' ', digits[byte / 16], digits[byte % 16], character};
+  }
+  return looks;
+}();
 
 // One line of 1 to 16 bytes.  Returns false when it does not fit to its end.
 bool dumpLine(Columns& columns, const unsigned char* bytes, size_t count) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
-  char groups[3 * kBytesPerLine];
+  char groups[3 * kBytesPerLine + 1];
   char characters[kBytesPerLine];
   for (size_t i = 0; i < count; ++i) {
-    groups[3 * i] = ' ';
-    groups[3 * i + 1] = kDigits[bytes[i] >> 4];
-    groups[3 * i + 2] = kDigits[bytes[i] & 0x0F];
-    characters[i] = shown(bytes[i]);
+    const Look& look = kLooks[bytes[i]];
+    // Four bytes are one store; the next group takes the place of the fourth.
+    std::memcpy(groups + 3 * i, look.data(), look.size());
+    characters[i] = look[3];
   }
   if (!columns.blanks(9)) {
     return false;
@@ -102,8 +111,9 @@ void dumpNumbers(char* dst, unsigned int size, const unsigned char* numbers, lon
     int32_t number;
     std::memcpy(&number, numbers + 4 * i, sizeof number);
     char text[16];
-    sprintf_zot(text, sizeof text, "%d.", number);
+    *std::to_chars(text, text + 14, number).ptr = '\0';
     strcat_zot(dst, size, text);
+    strcat_zot(dst, size, ".");
   }
   // Without a number this takes one of the blanks; callers rely on that.
   if (const size_t end = std::strlen(dst); end != 0) {
@@ -111,11 +121,22 @@ void dumpNumbers(char* dst, unsigned int size, const unsigned char* numbers, lon
   }
 }
 
+// The length, right-aligned in five places.
+void startDump(char* dst, unsigned int size, long length) {
+  char number[24];
+  const auto digits = static_cast<size_t>(std::to_chars(number, number + sizeof number, length).ptr - number);
+  char line[32] = " len=     ";
+  char* const at = line + 5 + (digits < 5 ? 5 - digits : 0);
+  std::memcpy(at, number, digits);
+  std::memcpy(at + digits, "\n", 2);
+  strcpy_zot(dst, size, line);
+}
+
 }  // namespace
 
 void vPrepLogData(char* dst, unsigned int size, const void* data, long length, int mode) {
   const auto* bytes = static_cast<const unsigned char*>(data);
-  sprintf_zot(dst, size, " len=%5ld\n", length);
+  startDump(dst, size, length);
   if (mode == 1) {
     dumpBytes(dst, size, bytes, length);
   } else if (mode == 2) {

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstdint>
+#include <string_view>
 
 #include "log/ZotLog.h"
 
@@ -17,9 +18,9 @@ void fnvLogData(uint32_t toStdout, const void* data, long length, int mode, cons
 void fnvvLogData(uint32_t toStdout, const void* data, long length, int mode, const char* format, va_list args)
     ZOT_PRINTF(5, 0);
 
-// Writes prefix (may be null) and message to standard output, or the message
-// alone to the system log.
-void vWrLog(uint32_t toStdout, const char* prefix, const char* message);
+// Writes prefix and message to standard output, or the message alone to the system
+// log.  The message stands right behind the prefix and has a terminator.
+void vWrLog(uint32_t toStdout, std::string_view prefix, std::string_view message);
 
 // The time of day as a log line shows it, in the zone that the process has at the
 // moment; the calling thread's last one, or at first an empty text, when there is no

@@ -7,6 +7,7 @@
 #include <sys/syscall.h>
 #endif
 
+#include <algorithm>
 #include <cstdio>
 
 #include "log/LogInternal.h"
@@ -54,15 +55,19 @@ void writeSyslog(const char* message) {
 #pragma GCC diagnostic pop
 }
 
-// The stream's own lock keeps the lines of two threads apart.
-void writeStdout(const char* prefix, const char* message) {
+// The stream's own lock keeps the lines of two threads apart.  What the program has
+// written before comes first; the line then goes past the stream's buffer in one
+// write.  The stream gets what is left of it, and all of it without a descriptor.
+void writeStdout(std::string_view line) {
   flockfile(stdout);
-  std::fflush(stdout);
-  if (prefix != nullptr && *prefix != '\0') {
-    std::fputs(prefix, stdout);
+  if (std::fflush(stdout) == 0) {
+    const ssize_t written = write(fileno(stdout), line.data(), line.size());
+    line.remove_prefix(static_cast<size_t>(std::max<ssize_t>(written, 0)));
   }
-  std::fputs(message, stdout);
-  std::fflush(stdout);
+  if (!line.empty()) {
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fflush(stdout);
+  }
   funlockfile(stdout);
 }
 
@@ -70,14 +75,14 @@ void writeStdout(const char* prefix, const char* message) {
 
 std::atomic<uint32_t> dLogOpen{0};
 
-void vWrLog(uint32_t toStdout, const char* prefix, const char* message) {
+void vWrLog(uint32_t toStdout, std::string_view prefix, std::string_view message) {
   // A thread that is cancelled here would take the stream's lock along; compilers
   // think that writing cannot unwind, so no destructor would give it back.
   const CancellationOff uncancelled;
   if (toStdout != 0) {
-    writeStdout(prefix, message);
+    writeStdout({prefix.data(), prefix.size() + message.size()});
   } else {
-    writeSyslog(message);
+    writeSyslog(message.data());
   }
 }
 

@@ -1,9 +1,11 @@
 #include "log/ZotLog.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
 #include "log/LogInternal.h"
 #include "log/LogLineInternal.h"
@@ -11,9 +13,9 @@
 
 namespace {
 
-constexpr unsigned int kPrefixSize = 257;
-constexpr unsigned int kMessageSize = 1543;
-constexpr unsigned int kBodySize = 1280;
+constexpr size_t kPrefixSize = 257;
+constexpr size_t kMessageSize = 1543;
+constexpr unsigned int kBodySize = 1280;  // a message with a dump
 
 // The system log shows errno's text for "%m", and a caller may still have to look
 // at errno after its line is out.
@@ -29,29 +31,54 @@ class ErrnoKept {
   int saved_;
 };
 
-// All zero at first, because strncat_zot may leave its text without a terminator.
-struct Prefix {
-  Prefix() {
-    strcpy_zot(text, kPrefixSize, cpszGetTime());
-    strcat_zot(text, kPrefixSize, " - ");
+// A line as it is put together: the prefix, and the message right behind it, so that
+// both leave in one write.
+class Line {
+ public:
+  // The prefix begins with the time.
+  Line() {
+    append(cpszGetTime());
+    append(" - ");
   }
-  char text[kPrefixSize] = {};
+
+  // As much of the text as the prefix has room for.
+  void append(std::string_view text) {
+    const size_t length = std::min(text.size(), kPrefixSize - 1 - prefix_);
+    std::memcpy(text_ + prefix_, text.data(), length);
+    prefix_ += length;
+  }
+
+  // Room for a message of kMessageSize, with its terminator.
+  char* message() { return text_ + prefix_; }
+
+  void write(uint32_t toStdout, size_t length) const {
+    vWrLog(toStdout, {text_, prefix_}, {text_ + prefix_, length});
+  }
+
+ private:
+  char text_[kPrefixSize - 1 + kMessageSize];
+  size_t prefix_ = 0;
 };
 
-ZOT_PRINTF(3, 0) void formatMessage(char* dst, unsigned int size, const char* format, va_list args) {
+// Returns the length of what stands in dst.
+ZOT_PRINTF(3, 0) size_t formatMessage(char* dst, size_t size, const char* format, va_list args) {
   dst[0] = '\0';
-  if (format != nullptr) {
-    // The writers have started args; the analyser does not see that from here.
-    std::vsnprintf(dst, size, format, args);  // NOLINT(clang-analyzer-valist.Uninitialized)
+  if (format == nullptr) {
+    return 0;
   }
+  // The writers have started args; the analyser does not see that from here.
+  const int length = std::vsnprintf(dst, size, format, args);  // NOLINT(clang-analyzer-valist.Uninitialized)
+  return length < 0 ? std::strlen(dst) : std::min(static_cast<size_t>(length), size - 1);
 }
 
-void appendData(char* dst, unsigned int size, const void* data, long length, int mode) {
+// Returns the length of what stands in dst.
+size_t putData(char* dst, unsigned int size, const void* data, long length, int mode) {
   if (data == nullptr) {
     strcpy_zot(dst, size, "\npvData = NULL !!!");
-    return;
+  } else {
+    vPrepLogData(dst, size, data, length, mode);
   }
-  vPrepLogData(dst, size, data, length, mode);
+  return std::strlen(dst);
 }
 
 }  // namespace
@@ -104,38 +131,37 @@ void ZotOsvvLogData(ZotOsLog* log, uint32_t mask, const void* data, long length,
 
 void fnvvLog(uint32_t /*mask*/, uint32_t toStdout, const char* format, va_list args) {
   const ErrnoKept kept;
-  const Prefix prefix;
+  Line line;
   kept.restore();
-  char message[kMessageSize];
-  formatMessage(message, kMessageSize, format, args);
-  strcat_zot(message, kMessageSize, "\n");
+  size_t length = formatMessage(line.message(), kMessageSize, format, args);
+  if (length < kMessageSize - 1) {
+    line.message()[length++] = '\n';
+    line.message()[length] = '\0';
+  }
   kept.restore();
-  vWrLog(toStdout, prefix.text, message);
+  line.write(toStdout, length);
 }
 
 void fnvLogData(uint32_t toStdout, const void* data, long length, int mode, const char* text) {
   const ErrnoKept kept;
-  Prefix prefix;
-  if (text != nullptr && std::strlen(text) > 242) {
-    strncat_zot(prefix.text, kPrefixSize, text, 241);
-  } else {
-    strcat_zot(prefix.text, kPrefixSize, text);
+  Line line;
+  if (text != nullptr) {
+    const std::string_view whole(text);
+    line.append(whole.size() > 242 ? whole.substr(0, 241) : whole);
   }
-  char body[kBodySize];
-  appendData(body, kBodySize, data, length, mode);
+  const size_t written = putData(line.message(), kBodySize, data, length, mode);
   kept.restore();
-  vWrLog(toStdout, prefix.text, body);
+  line.write(toStdout, written);
 }
 
 void fnvvLogData(uint32_t toStdout, const void* data, long length, int mode, const char* format,
                  va_list args) {
   const ErrnoKept kept;
-  const Prefix prefix;
+  Line line;
   kept.restore();
-  char body[kBodySize];
-  formatMessage(body, kBodySize, format, args);
-  const auto written = static_cast<unsigned int>(std::strlen(body));
-  appendData(body + written, kBodySize - written, data, length, mode);
+  const size_t written = formatMessage(line.message(), kBodySize, format, args);
+  const auto room = static_cast<unsigned int>(kBodySize - written);
+  const size_t dumped = putData(line.message() + written, room, data, length, mode);
   kept.restore();
-  vWrLog(toStdout, prefix.text, body);
+  line.write(toStdout, written + dumped);
 }

@@ -109,6 +109,19 @@ TEST(LogLine, IsCutAtItsBuffer) {
   EXPECT_EQ("\n", captured([&] { ZotOsvLog(pstLog, 4, none); }).out.substr(24));
 }
 
+TEST(LogLine, GoesToAStreamWithoutADescriptor) {
+  const TestLog log;
+  char* text = nullptr;
+  size_t size = 0;
+  FILE* const whole = std::exchange(stdout, open_memstream(&text, &size));
+  std::fputs("before ", stdout);
+  ZotOsvLog(pstLog, 4, "line");
+  std::fclose(std::exchange(stdout, whole));
+  EXPECT_EQ("before ", std::string(text, 7));
+  EXPECT_STREQ(" - line\n", text + 28);
+  std::free(text);
+}
+
 TEST(LogLine, StaysWholeBesideOtherThreads) {
   const auto write = [](char letter) {
     for (int i = 0; i < 200; ++i) {
