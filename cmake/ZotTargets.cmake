@@ -29,8 +29,8 @@ function(zot_library stem name)
   target_link_libraries(${stem}_objects PRIVATE zot_build)
   target_include_directories(${stem}_objects PRIVATE "${PROJECT_SOURCE_DIR}")
   # Nobody replaces an exported function inside the library: calls between them may be
-  # inlined and need no linkage table.
-  target_compile_options(${stem}_objects PRIVATE -fno-semantic-interposition)
+  # inlined and need no linkage table.  Calls of the system's libraries do without it too.
+  target_compile_options(${stem}_objects PRIVATE -fno-semantic-interposition -fno-plt)
   # GCC's hidden visibility would also hide the Objective-C class symbols, so the
   # version script alone trims the .mm files.
   set_target_properties(${stem}_objects PROPERTIES
