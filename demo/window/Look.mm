@@ -181,6 +181,10 @@ void replaceImage(NSString* name, NSSize size, void (*draw)(NSRect)) {
   return 0;
 }
 
+- (NSColor*)colorNamed:(NSString*)name state:(GSThemeControlState)state {
+  return [name isEqual:@"highlightedTableRowBackgroundColor"] ? markColor() : [super colorNamed:name state:state];
+}
+
 - (void)drawTableHeaderCell:(NSTableHeaderCell*)cell
                   withFrame:(NSRect)frame
                      inView:(NSView*)view
@@ -237,7 +241,6 @@ void installLook() {
       {@"textColor", grey(0.13)},
       {@"gridColor", grey(0.9)},
       {@"scrollBarColor", grey(0.95)},
-      {@"highlightedTableRowBackgroundColor", markColor()},
       {@"controlDarkShadowColor", lineColor()},
       {@"selectedControlColor", accent()},
       {@"selectedControlTextColor", [NSColor whiteColor]},
