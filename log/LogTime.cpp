@@ -26,7 +26,7 @@ class Zone {
     if (named_ && known_) {
       std::strcpy(name_, name);
     }
-    library_ = {};
+    library_ = Library{};
   }
 
   bool unchanged() const {
@@ -36,7 +36,7 @@ class Zone {
   }
 
  private:
-  struct Library {
+  struct Library {  // at the moment it is made
     const char* standard = tzname[0];
     const char* summer = tzname[1];
     long offset = timezone;

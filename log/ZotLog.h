@@ -6,9 +6,10 @@
 // with a timestamp, or the system log under the ident "ZotOsLog".
 //
 // Every call accepts a null log object and then does nothing.  The writers never
-// fail, leave errno alone and allocate nothing; what does not fit is cut.  They
-// may be called from any thread; no lock is held but that of the output stream,
-// and a cancelled thread does not end in them.
+// fail, leave errno alone and allocate nothing; what does not fit is cut.  They may be
+// called from any thread, and a cancelled thread does not end in them.  The only locks
+// are that of the output stream and, when the second or the zone is another than in
+// the thread's last line, that of the C library's time zone.
 #ifndef ZOT_LOG_H
 #define ZOT_LOG_H
 
