@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstring>
 #include <regex>
+#include <thread>
 
 #include "support/CallScript.h"
 #include "support/Child.h"
@@ -110,6 +111,16 @@ ERROR ZotOsMmfClose: unmap(HANDLE) failed (22=Invalid argument)
     return 0;
   };
   EXPECT_EQ(0, runInChild(failures)) << "in a process of its own, since the limit holds for all its files";
+}
+
+TEST_F(MappedFile, IsMadeAndClosedByAThreadThatIsBeingCancelled) {
+  uint32_t done = 0;
+  std::thread([&] {
+    pthread_cancel(pthread_self());
+    done = ZotOsMmfCreate(&handle, 5, "f", kKey, 1);
+    done += ZotOsMmfClose(&handle);
+  }).join();
+  EXPECT_EQ(2u, done);
 }
 
 TEST_F(MappedFile, IsFlushedFromTheStartOfAPage) {
