@@ -100,6 +100,16 @@ TEST(LogObject, LetsGoOfABlockThatItRemoved) {
   EXPECT_EQ(1, std::count(rows.begin(), rows.end(), '\n')) << rows;
 }
 
+TEST(LogObject, FindsRoomForABlockThatIsTooLarge) {
+  shmid_ds status{};
+  const int id = shmget(0x8009, 100000, IPC_CREAT | 0666);
+  ZotOsMutexHandle* mutex = nullptr;
+  ASSERT_EQ(1u, ZotOsMutexCreate(&mutex, 1));
+  EXPECT_EQ(id, pstLog.load()->handle.shmId);
+  EXPECT_EQ(1u, ZotOsMutexClose(mutex));
+  EXPECT_EQ(-1, shmctl(id, IPC_STAT, &status)) << "removed and let go of";
+}
+
 TEST(LogObject, AttachesACallersHandleOrNothing) {
   ZotOsMmfHandle first, second;
   uint32_t word = 0, otherWord = 0;

@@ -180,6 +180,36 @@ TEST_F(Named, AnOpenNeedsALogObjectAndDoesNotSetTheTableUp) {
   EXPECT_EQ(0, semctl(id, 0, IPC_RMID));
 }
 
+TEST_F(Named, AMutexReleasedTwiceAtOnceIsFreeOnce) {
+  constexpr int kRounds = 1000;
+  ZotOsMutexHandle* mutex = nullptr;
+  ASSERT_EQ(1u, ZotOsMutexCreate(&mutex, kKey));
+  std::atomic<int> begun{0}, ended{0};
+  const auto await = [](const std::atomic<int>& round, int number) {
+    while (round < number) {
+      std::this_thread::yield();
+    }
+  };
+  std::thread other([&] {
+    for (int i = 1; i <= kRounds; ++i) {
+      await(begun, i);
+      ZotOsMutexRelease(mutex);
+      ++ended;
+    }
+  });
+  int most = 0;
+  for (int i = 1; i <= kRounds; ++i) {
+    ZotOsMutexWait(mutex, -1, nullptr);
+    ++begun;
+    ZotOsMutexRelease(mutex);
+    await(ended, i);
+    most = std::max(most, ZotOsSemaphoreVal(mutex->semId));
+  }
+  other.join();
+  EXPECT_EQ(1, most);
+  EXPECT_EQ(1u, ZotOsMutexClose(mutex));
+}
+
 // Each mutex is the process's first and last again and again.
 TEST_F(Named, ThreadsComeAndGoWhileOthersLogAndFork) {
   ZotOsMutexHandle* local = nullptr;
