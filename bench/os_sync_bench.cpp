@@ -8,6 +8,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <thread>
 
 #include "Row.h"
 #include "os/ZotOsMmf.h"
@@ -17,8 +18,16 @@ namespace {
 
 constexpr int32_t kKey = 0x5A4F5442;
 
+// The C library leaves the atomic operations out until a process starts its first
+// thread; programs that need a lock have done that.
+void startFirstThread() {
+  static const bool started = (std::thread([] {}).join(), true);
+  benchmark::DoNotOptimize(started);
+}
+
 // Take and release; both mutexes are recursive.
 void localMutex(benchmark::State& state) {
+  startFirstThread();
   ZotOsMutexHandle* mutex = nullptr;
   ZotOsMutexCreate(&mutex, 0);
   measure(state, [&] {
@@ -29,6 +38,7 @@ void localMutex(benchmark::State& state) {
 }
 
 void localMutexStd(benchmark::State& state) {
+  startFirstThread();
   std::recursive_mutex mutex;
   measure(state, [&] {
     benchmark::DoNotOptimize(mutex);
@@ -42,6 +52,7 @@ BENCHMARK(localMutexStd)->Name("local_mutex/std");
 
 // Set, then a wait that passes and clears.
 void localEvent(benchmark::State& state) {
+  startFirstThread();
   ZotOsEventHandle* event = nullptr;
   ZotOsEventCreate(&event, 0);
   measure(state, [&] {
@@ -52,6 +63,7 @@ void localEvent(benchmark::State& state) {
 }
 
 void localEventStd(benchmark::State& state) {
+  startFirstThread();
   std::mutex mutex;
   std::condition_variable condition;
   bool signalled = false;

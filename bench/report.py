@@ -121,6 +121,12 @@ def counts_table(counts, kind):
     return lines
 
 
+def code(name):
+    """A name of a program or function as a code span."""
+    return re.sub(r"std::\w+|\b\w+\(\)|\b\w+_\w+\b|\b(?:strlcpy|strlcat|snprintf|semop|msgpack-c\w*|protobuf|spdlog)\b", r"`\g<0>`",
+                  name)
+
+
 def markdown_table(head, alignment, lines):
     return "\n".join("| " + " | ".join(line) + " |" for line in [head, alignment, *lines])
 
@@ -139,7 +145,7 @@ def tables(results):
     sections["ratios"] = markdown_table(
         ["Work", "Beside", "Ours/peer", "Middle half", "Goal", "Reached", "Ours", "Peer"],
         ["---", "---", "---:", "---:", "---:", "---", "---:", "---:"],
-        [[row["work"], row["beside"], number(row["ratio"]), " to ".join(number(q) for q in row["quartiles"]),
+        [[row["work"], code(row["beside"]), number(row["ratio"]), " to ".join(number(q) for q in row["quartiles"]),
           "" if row["goal"] is None else f"{row['goal']:.2f}", verdict(row), time_text(row["ours_ns"]),
           time_text(row["peer_ns"])] for row in rows])
     for kind, show in (("allocations", lambda count: f"{count:g}"), ("instructions", lambda count: f"{count:,.0f}")):

@@ -135,11 +135,26 @@ class MifRecords {
   // The record of an OID that is the occurrence-th, counted from 1; nothing when
   // there are fewer, and for occurrence 0.
   std::optional<MifRecord> find(unsigned short oid, uint32_t occurrence) const {
+    if (size_ < kMifHeaderSize) {
+      return std::nullopt;
+    }
+    // A leaner loop than an iterator's, which fills a whole record at each step.
+    const uint64_t lastHeader = size_ - kMifHeaderSize;
     uint64_t count = 0;
-    for (const MifRecord record : *this) {
-      if (record.oid == oid && ++count == occurrence) {
-        return record;
+    uint64_t at = 0;
+    while (at <= lastHeader) {
+      const unsigned char* header = bytes_ + static_cast<size_t>(at);
+      const auto its = mifLoad<unsigned short>(header);
+      const auto length = mifLoad<unsigned short>(header + 2);
+      if (its == kMifEndMarker) {
+        break;
       }
+      if (its == oid && ++count == occurrence) {
+        const uint64_t behind = lastHeader - at;
+        return MifRecord{at, its, length, header + kMifHeaderSize,
+                         behind < length ? static_cast<size_t>(behind) : length};
+      }
+      at += kMifHeaderSize + uint64_t{length};
     }
     return std::nullopt;
   }

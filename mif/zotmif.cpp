@@ -1,5 +1,6 @@
 #include "mif/zotmif.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <optional>
@@ -20,21 +21,15 @@ bool hasBytes(const MifRecord& record, uint32_t len, uint32_t count) {
   return len - record.valueOffset() >= count;
 }
 
-// An address value as the setters of ZotIpAddr take it; bytes beyond the buffer are 0.
-struct AddressValue {
-  unsigned char bytes[kIp6Size];
-  unsigned int length;
-};
-
-std::optional<AddressValue> findAddress(const unsigned char* buf, uint32_t len, unsigned short oid,
-                                        uint32_t occurrence) {
-  const auto record = find(buf, len, oid, occurrence);
-  if (!record) {
-    return std::nullopt;
+// Gives an address value to a setter of ZotIpAddr; bytes beyond the buffer are 0.
+uint32_t setAddress(ZotIpAddr* addr, unsigned int (ZotIpAddr::*set)(const unsigned char*, unsigned int),
+                    const MifRecord& record) {
+  if (record.complete()) {
+    return (addr->*set)(record.value, record.length);
   }
-  AddressValue value{{}, record->length};
-  mifCopyBounded(value.bytes, buf, len, record->valueOffset(), sizeof value.bytes);
-  return value;
+  unsigned char padded[kIp6Size] = {};
+  std::memcpy(padded, record.value, std::min(record.available, sizeof padded));
+  return (addr->*set)(padded, record.length);
 }
 
 bool nothingToSearch(const unsigned char* buf, uint32_t len, uint32_t occurrence) {
@@ -127,12 +122,12 @@ uint32_t zotmifGetIpAddrV4(const unsigned char* buf, uint32_t len, unsigned shor
   if (nothingToSearch(buf, len, occurrence)) {
     return 0;
   }
-  const auto value = findAddress(buf, len, oid, occurrence);
-  if (!value) {
+  const auto record = find(buf, len, oid, occurrence);
+  if (!record) {
     addr->SetAnyHostV4();
     return 0;
   }
-  return addr->SetIpAddrFromMifV4(value->bytes, value->length);
+  return setAddress(addr, &ZotIpAddr::SetIpAddrFromMifV4, *record);
 }
 
 uint32_t zotmifGetIpAddr(const unsigned char* buf, uint32_t len, unsigned short oid, ZotIpAddr* addr,
@@ -140,12 +135,12 @@ uint32_t zotmifGetIpAddr(const unsigned char* buf, uint32_t len, unsigned short 
   if (nothingToSearch(buf, len, occurrence)) {
     return 0;
   }
-  const auto value = findAddress(buf, len, oid, occurrence);
-  if (!value) {
+  const auto record = find(buf, len, oid, occurrence);
+  if (!record) {
     addr->Clear();
     return 0;
   }
-  return addr->SetIpAddrFromMif(value->bytes, value->length);
+  return setAddress(addr, &ZotIpAddr::SetIpAddrFromMif, *record);
 }
 
 uint32_t zotmifUpdInt(unsigned char* buf, uint32_t len, unsigned short oid, uint32_t value,
