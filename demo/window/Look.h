@@ -1,4 +1,5 @@
 // How the program looks: GNUstep's defaults and drawing, changed for this program alone.
+#import <AppKit/AppKit.h>
 
 // Before the application exists.  With ownTitleBar AppKit draws the window's title
 // bar, which is then part of its picture.
@@ -7,11 +8,12 @@ void registerLook(bool ownTitleBar);
 // Once it exists.
 void installLook();
 
-@class NSColor;
-@class NSTabView;
+// A tab that a click anywhere on it selects.
+@interface RoomyTabItem : NSTabViewItem
+@end
 
 // Of all tabs side by side.
-double widthOfTabs(NSTabView* view);
+CGFloat widthOfTabs(NSTabView* view);
 
 // The colours of what is wrong, of what only explains, and behind what is marked.
 NSColor* faultColor();

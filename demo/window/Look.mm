@@ -1,6 +1,5 @@
 #import "Look.h"
 
-#import <AppKit/AppKit.h>
 #import <GNUstepGUI/GSTheme.h>
 
 namespace {
@@ -96,6 +95,13 @@ void replaceImage(NSString* name, NSSize size, void (*draw)(NSRect)) {
 
 }  // namespace
 
+@implementation RoomyTabItem
+- (void)drawLabel:(BOOL)truncated inRect:(NSRect)tab {
+  [super drawLabel:truncated inRect:NSInsetRect(tab, kTabPadding, 7)];
+  _rect = tab;  // where a click selects the tab
+}
+@end
+
 // Flat controls in light grey with thin lines.
 @interface FlatTheme : GSTheme
 @end
@@ -172,9 +178,18 @@ void replaceImage(NSString* name, NSSize size, void (*draw)(NSRect)) {
       NSRectFill(NSMakeRect(x + kRadius, 0, NSWidth(tab) - 2 * kRadius, 2));
       [NSGraphicsContext restoreGraphicsState];
     }
-    [item drawLabel:NO inRect:NSInsetRect(tab, kTabPadding, 7)];
+    [item drawLabel:NO inRect:tab];
     x = NSMaxX(tab);
   }
+}
+
+- (void)drawBorderAndBackgroundForMenuItemCell:(NSMenuItemCell*)cell
+                                     withFrame:(NSRect)frame
+                                        inView:(NSView*)view
+                                         state:(GSThemeControlState)state
+                                  isHorizontal:(BOOL)horizontal {
+  [(state == GSThemeSelectedState || state == GSThemeHighlightedState ? markColor() : grey(0.99)) set];
+  NSRectFill(frame);
 }
 
 - (float)resizebarHeight {
@@ -248,7 +263,7 @@ void installLook() {
       {@"secondarySelectedControlColor", accent()},
       {@"selectedTextBackgroundColor", markColor()},
       {@"selectedMenuItemColor", accent()},
-      {@"selectedMenuItemTextColor", [NSColor whiteColor]},
+      {@"selectedMenuItemTextColor", grey(0.13)},
       {@"windowFrameColor", grey(0.85)},
       {@"windowFrameTextColor", grey(0.13)},
   };
@@ -276,7 +291,7 @@ NSColor* markColor() {
   return [NSColor colorWithCalibratedRed:0.72 green:0.83 blue:0.97 alpha:1];
 }
 
-double widthOfTabs(NSTabView* view) {
+CGFloat widthOfTabs(NSTabView* view) {
   CGFloat width = 2 * kRadius;
   NSEnumerator* all = [[view tabViewItems] objectEnumerator];
   for (NSTabViewItem* item; (item = [all nextObject]) != nil;) {

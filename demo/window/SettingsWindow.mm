@@ -185,7 +185,7 @@ constexpr Language kLanguages[] = {{2, "English"},
   [window setContentView:content];
   tabView = [[[NSTabView alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
   for (NSUInteger i = 0; i < [tabs count]; ++i) {
-    NSTabViewItem* item = [[[NSTabViewItem alloc] initWithIdentifier:nil] autorelease];
+    NSTabViewItem* item = [[[RoomyTabItem alloc] initWithIdentifier:nil] autorelease];
     [item setView:[(id<Tab>)[tabs objectAtIndex:i] view]];
     [tabView addTabViewItem:item];
   }
