@@ -36,16 +36,42 @@ NSTextField* makeField(BOOL secret);
 NSButton* makeButton(NSInteger element, id target, SEL action);
 NSButton* makeCheckBox(NSInteger element, id target, SEL action);
 
-// A table whose columns have these elements as identifiers, in a frame that scrolls.
-NSScrollView* makeTable(const int* elements, size_t count, id source);
-NSTableView* tableIn(NSScrollView* frame);
+// A table of texts that nobody changes, in a frame that scrolls.
+@interface TextTable : NSScrollView <NSTableViewDataSource, NSTableViewDelegate> {
+ @private
+  NSTableView* table;
+  const char* const* samples;
+  NSArray* rows;
+  id owner;
+  SEL selected;
+}
 
-// Gives columns their titles, and each but the last the width of its title and of the
-// sample that stands for its longest value.
-void showColumns(NSTableView* table, Texts* texts, const char* const* samples);
+// elements are those of the columns' titles; the samples stand for the longest texts.
+// Both outlive the table.
+- (id)initWithColumns:(const int*)elements samples:(const char* const*)longest count:(size_t)count;
+- (void)dealloc;
+
+// Sends action to target, which is not retained, when another row is selected.
+- (void)setTarget:(id)target selected:(SEL)action;
+
+// Gives the columns their titles, and all but the last the width that they need.
+- (void)showTexts:(Texts*)texts;
+
+// Arrays of texts in the order of the columns.
+- (void)setRows:(NSArray*)texts;
+- (NSArray*)rows;
+
+// -1: none.
+- (NSInteger)selectedRow;
+- (void)selectRow:(NSUInteger)row;
+- (void)showLastRow;
+
+- (NSArray*)columns;
 
 // The width below which a column would be cut.
-CGFloat tableWidth(NSTableView* table);
+- (CGFloat)smallestWidth;
+
+@end
 
 // A text of equally wide characters that nobody changes, in a frame that scrolls, and
 // the room that it needs.

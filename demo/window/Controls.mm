@@ -53,44 +53,56 @@ NSButton* makeCheckBox(NSInteger element, id target, SEL action) {
   return box;
 }
 
-NSScrollView* makeTable(const int* elements, size_t count, id source) {
-  NSTableView* table = [[[NSTableView alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
-  for (size_t i = 0; i < count; ++i) {
-    NSString* identifier = [NSString stringWithFormat:@"%d", elements[i]];
-    NSTableColumn* column = [[[NSTableColumn alloc] initWithIdentifier:identifier] autorelease];
-    [column setEditable:NO];
-    [[column dataCell] setFont:[NSFont systemFontOfSize:11]];
-    [[column headerCell] setFont:[NSFont boldSystemFontOfSize:11]];
-    [[column headerCell] setAlignment:NSLeftTextAlignment];
-    [table addTableColumn:column];
+@implementation TextTable
+
+- (id)initWithColumns:(const int*)elements samples:(const char* const*)longest count:(size_t)count {
+  self = [super initWithFrame:NSMakeRect(0, 0, 100, 100)];
+  if (self != nil) {
+    samples = longest;
+    table = [[[NSTableView alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
+    for (size_t i = 0; i < count; ++i) {
+      NSString* identifier = [NSString stringWithFormat:@"%d", elements[i]];
+      NSTableColumn* column = [[[NSTableColumn alloc] initWithIdentifier:identifier] autorelease];
+      [column setEditable:NO];
+      [[column dataCell] setFont:[NSFont systemFontOfSize:11]];
+      [[column headerCell] setFont:[NSFont boldSystemFontOfSize:11]];
+      [[column headerCell] setAlignment:NSLeftTextAlignment];
+      [table addTableColumn:column];
+    }
+    [table setRowHeight:18];
+    [table setGridStyleMask:NSTableViewSolidHorizontalGridLineMask];
+    [table setColumnAutoresizingStyle:NSTableViewLastColumnOnlyAutoresizingStyle];
+    [table setDataSource:self];
+    [table setDelegate:self];
+    [self setBorderType:NSLineBorder];
+    [self setHasVerticalScroller:YES];
+    [self setAutohidesScrollers:YES];
+    [self setDocumentView:table];
   }
-  [table setRowHeight:18];
-  [table setGridStyleMask:NSTableViewSolidHorizontalGridLineMask];
-  [table setColumnAutoresizingStyle:NSTableViewLastColumnOnlyAutoresizingStyle];
-  [table setDataSource:source];
-  [table setDelegate:source];
-  NSScrollView* frame = [[[NSScrollView alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
-  [frame setBorderType:NSLineBorder];
-  [frame setHasVerticalScroller:YES];
-  [frame setAutohidesScrollers:YES];
-  [frame setDocumentView:table];
-  return frame;
+  return self;
 }
 
-NSTableView* tableIn(NSScrollView* frame) {
-  return [frame documentView];
+- (void)dealloc {
+  [table setDataSource:nil];
+  [table setDelegate:nil];
+  [rows release];
+  [super dealloc];
 }
 
-void showColumns(NSTableView* table, Texts* texts, const char* const* samples) {
-  NSArray* columns = [table tableColumns];
-  for (NSUInteger i = 0; i < [columns count]; ++i) {
-    NSTableColumn* column = [columns objectAtIndex:i];
+- (void)setTarget:(id)target selected:(SEL)action {
+  owner = target;
+  selected = action;
+}
+
+- (void)showTexts:(Texts*)texts {
+  for (NSUInteger i = 0; i < [[self columns] count]; ++i) {
+    NSTableColumn* column = [[self columns] objectAtIndex:i];
     [[column headerCell] setStringValue:[texts textOf:[[column identifier] integerValue]]];
     NSDictionary* font = [NSDictionary dictionaryWithObject:[[column dataCell] font] forKey:NSFontAttributeName];
     const CGFloat sample = [[NSString stringWithUTF8String:samples[i]] sizeWithAttributes:font].width;
     const CGFloat width = std::ceil(std::max([[column headerCell] cellSize].width, sample) + 2 * kGap);
     [column setMinWidth:width];
-    if (i + 1 < [columns count]) {
+    if (i + 1 < [[self columns] count]) {
       [column setWidth:width];
     }
   }
@@ -98,14 +110,59 @@ void showColumns(NSTableView* table, Texts* texts, const char* const* samples) {
   [[table headerView] setNeedsDisplay:YES];
 }
 
-CGFloat tableWidth(NSTableView* table) {
+- (void)setFrame:(NSRect)frame {
+  [super setFrame:frame];
+  [table sizeLastColumnToFit];
+}
+
+- (void)setRows:(NSArray*)texts {
+  [texts retain];
+  [rows release];
+  rows = texts;
+  [table reloadData];
+}
+
+- (NSArray*)rows {
+  return rows;
+}
+
+- (NSInteger)selectedRow {
+  return [table selectedRow];
+}
+
+- (void)selectRow:(NSUInteger)row {
+  [table selectRowIndexes:[NSIndexSet indexSetWithIndex:row] byExtendingSelection:NO];
+}
+
+- (void)showLastRow {
+  [table scrollRowToVisible:static_cast<NSInteger>([rows count]) - 1];
+}
+
+- (NSArray*)columns {
+  return [table tableColumns];
+}
+
+- (CGFloat)smallestWidth {
   CGFloat width = [NSScroller scrollerWidth] + 2;
-  NSEnumerator* columns = [[table tableColumns] objectEnumerator];
-  for (NSTableColumn* column; (column = [columns nextObject]) != nil;) {
-    width += [column minWidth] + [table intercellSpacing].width;
+  for (NSUInteger i = 0; i < [[self columns] count]; ++i) {
+    width += [[[self columns] objectAtIndex:i] minWidth] + [table intercellSpacing].width;
   }
   return std::ceil(width);
 }
+
+- (NSInteger)numberOfRowsInTableView:(NSTableView*)view {
+  return static_cast<NSInteger>([rows count]);
+}
+
+- (id)tableView:(NSTableView*)view objectValueForTableColumn:(NSTableColumn*)column row:(NSInteger)row {
+  return [[rows objectAtIndex:static_cast<NSUInteger>(row)] objectAtIndex:[[self columns] indexOfObject:column]];
+}
+
+- (void)tableViewSelectionDidChange:(NSNotification*)note {
+  [owner performSelector:selected];
+}
+
+@end
 
 NSScrollView* makeHexFrame() {
   NSTextView* text = [[[NSTextView alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];

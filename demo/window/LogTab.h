@@ -5,14 +5,14 @@
 
 #include "SharedLog.h"
 
-@interface LogTab : NSObject <Tab, NSTableViewDataSource, NSTableViewDelegate> {
+@interface LogTab : NSObject <Tab> {
  @private
   SharedLog* sharedLog;
   struct LogFile* files;
   std::vector<struct LogLine>* lines;
   Page* page;
   NSButton* boxes[5];
-  NSScrollView* table;
+  TextTable* table;
 }
 
 // directory is where both programs write their lines.

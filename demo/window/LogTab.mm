@@ -77,15 +77,13 @@ struct LogFile {
       boxes[i] = makeCheckBox(kLevelBoxes[i].element, self, @selector(levelChosen:));
       [page addSubview:boxes[i]];
     }
-    table = makeTable(kColumns, std::size(kColumns), self);
+    table = [[[TextTable alloc] initWithColumns:kColumns samples:kSamples count:std::size(kColumns)] autorelease];
     [page addSubview:table];
   }
   return self;
 }
 
 - (void)dealloc {
-  [tableIn(table) setDataSource:nil];
-  [tableIn(table) setDelegate:nil];
   delete[] files;
   delete lines;
   [page release];
@@ -114,6 +112,16 @@ struct LogFile {
   });
 }
 
+- (void)showLines {
+  NSMutableArray* rows = [NSMutableArray array];
+  for (const LogLine& line : *lines) {
+    NSString* text = [NSString stringWithCString:line.text.c_str() encoding:NSISOLatin1StringEncoding];
+    [rows addObject:[NSArray arrayWithObjects:line.program, text, nil]];
+  }
+  [table setRows:rows];
+  [table showLastRow];
+}
+
 // The word belongs to every process: what any of them sets shows here.
 - (void)refresh {
   const uint32_t level = ZotOsdGetLogLevel(*sharedLog);
@@ -135,8 +143,7 @@ struct LogFile {
     if (lines->size() > kMostLines) {
       lines->erase(lines->begin(), lines->end() - kMostLines);
     }
-    [tableIn(table) reloadData];
-    [tableIn(table) scrollRowToVisible:static_cast<NSInteger>(lines->size()) - 1];
+    [self showLines];
   }
 }
 
@@ -151,7 +158,7 @@ struct LogFile {
 
 - (void)showTexts:(Texts*)texts {
   [texts labelView:page];
-  showColumns(tableIn(table), texts, kSamples);
+  [table showTexts:texts];
 }
 
 - (NSSize)smallestSize {
@@ -160,7 +167,7 @@ struct LogFile {
     row += sizeOf(boxes[i]).width + 2 * kGap;
   }
   const CGFloat width = std::max({row, sizeOf(boxes[4]).width, sizeOf([page viewWithTag:kLevels]).width,
-                                  tableWidth(tableIn(table))});
+                                  [table smallestWidth]});
   const CGFloat above = sizeOf([page viewWithTag:kLevels]).height + 2 * sizeOf(boxes[0]).height;
   return NSMakeSize(width + 2 * kMargin, 2 * kMargin + above + 3 * kGap + kTableHeight);
 }
@@ -174,18 +181,6 @@ struct LogFile {
   }
   y = place(boxes[4], kMargin, below + kGap / 2) + kGap;
   [table setFrame:NSMakeRect(kMargin, y, size.width - 2 * kMargin, size.height - y - kMargin)];
-  [tableIn(table) sizeLastColumnToFit];
-}
-
-- (NSInteger)numberOfRowsInTableView:(NSTableView*)view {
-  return static_cast<NSInteger>(lines->size());
-}
-
-- (id)tableView:(NSTableView*)view objectValueForTableColumn:(NSTableColumn*)column row:(NSInteger)row {
-  const LogLine& line = (*lines)[static_cast<size_t>(row)];
-  return [[column identifier] intValue] == kProgramColumn
-             ? line.program
-             : [NSString stringWithCString:line.text.c_str() encoding:NSISOLatin1StringEncoding];
 }
 
 @end

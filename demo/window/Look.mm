@@ -35,7 +35,7 @@ void drawFrame(NSRect rect, CGFloat radius, NSColor* fill, NSColor* line) {
 }
 
 NSImage* drawnImage(NSSize size, void (*draw)(NSRect)) {
-  NSImage* image = [[NSImage alloc] initWithSize:size];
+  NSImage* image = [[[NSImage alloc] initWithSize:size] autorelease];
   [image lockFocus];
   draw(NSMakeRect(0, 0, size.width, size.height));
   [image unlockFocus];

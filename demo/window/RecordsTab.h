@@ -2,14 +2,13 @@
 #import "Controls.h"
 #include "Profile.h"
 
-@interface RecordsTab : NSObject <Tab, NSTableViewDataSource, NSTableViewDelegate> {
+@interface RecordsTab : NSObject <Tab> {
  @private
   Profile* profile;
   Texts* shownTexts;
   NSData* message;
-  NSMutableArray* rows;  // dictionaries of texts by column, and the record's place
   Page* page;
-  NSScrollView* table;
+  TextTable* table;
   NSScrollView* hexFrame;
   NSTextView* hex;
 }
@@ -17,9 +16,7 @@
 - (id)initWithProfile:(Profile*)shown;
 - (void)dealloc;
 
-// What a cell of the table shows; column is an Element.
-- (NSString*)textInRow:(NSUInteger)row column:(int)column;
-- (NSUInteger)rowCount;
+- (TextTable*)table;
 - (NSTextView*)hexView;
 
 @end

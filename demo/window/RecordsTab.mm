@@ -19,10 +19,6 @@ constexpr NSUInteger kLineLength = kTextColumn + kBytesInLine + 1;       // with
 constexpr CGFloat kTableHeight = 222;  // the header and ten rows
 constexpr NSUInteger kHexLines = 8;
 
-NSString* columnKey(int element) {
-  return [NSString stringWithFormat:@"%d", element];
-}
-
 NSString* number(uint64_t value) {
   return [NSString stringWithFormat:@"%llu", static_cast<unsigned long long>(value)];
 }
@@ -53,10 +49,10 @@ NSString* hexText(Bytes bytes) {
   self = [super init];
   if (self != nil) {
     profile = [shown retain];
-    rows = [[NSMutableArray alloc] init];
     page = [[Page alloc] initWithFrame:NSZeroRect];
     [page addSubview:makeText(kMessage)];
-    table = makeTable(kColumns, std::size(kColumns), self);
+    table = [[[TextTable alloc] initWithColumns:kColumns samples:kSamples count:std::size(kColumns)] autorelease];
+    [table setTarget:self selected:@selector(showHex)];
     [page addSubview:table];
     [page addSubview:makeText(kBytes)];
     hexFrame = makeHexFrame();
@@ -67,10 +63,8 @@ NSString* hexText(Bytes bytes) {
 }
 
 - (void)dealloc {
-  [tableIn(table) setDataSource:nil];
-  [tableIn(table) setDelegate:nil];
+  [table setTarget:nil selected:nullptr];
   [page release];
-  [rows release];
   [message release];
   [shownTexts release];
   [profile release];
@@ -89,12 +83,8 @@ NSString* hexText(Bytes bytes) {
   return hex;
 }
 
-- (NSUInteger)rowCount {
-  return [rows count];
-}
-
-- (NSString*)textInRow:(NSUInteger)row column:(int)column {
-  return [[rows objectAtIndex:row] objectForKey:columnKey(column)];
+- (TextTable*)table {
+  return table;
 }
 
 // A field's name is its label, without the colon that stands before the field.
@@ -103,33 +93,32 @@ NSString* hexText(Bytes bytes) {
   return [label stringByTrimmingCharactersInSet:[NSCharacterSet characterSetWithCharactersInString:@": "]];
 }
 
-- (void)addRow:(NSString*)offset oid:(unsigned short)oid length:(NSString*)length name:(NSString*)name value:(NSString*)value range:(NSRange)range {
-  [rows addObject:[NSDictionary dictionaryWithObjectsAndKeys:
-                                    offset, columnKey(kOffsetColumn), number(oid), columnKey(kOidColumn), length,
-                                    columnKey(kLengthColumn), name, columnKey(kFieldColumn), value,
-                                    columnKey(kValueColumn), NSStringFromRange(range), @"range", nil]];
-}
-
-- (void)readRecords {
-  [rows removeAllObjects];
+- (void)showRecords {
+  NSMutableArray* rows = [NSMutableArray array];
   const MifRecords records(static_cast<const unsigned char*>([message bytes]), [message length]);
   auto record = records.begin();
   for (; record != records.end(); ++record) {
     NSString* value = record->oid == kOidRequest ? number(mifLoad<uint32_t>(record->value))
                                                  : readableField(message, record->oid);
-    [self addRow:number(record->offset)
-             oid:record->oid
-          length:number(record->length)
-            name:[self nameOf:record->oid]
-           value:value != nil ? value : @""
-           range:NSMakeRange(static_cast<NSUInteger>(record->offset), kMifHeaderSize + record->length)];
+    [rows addObject:[NSArray arrayWithObjects:number(record->offset), number(record->oid), number(record->length),
+                                              [self nameOf:record->oid], value, nil]];
   }
-  [self addRow:number(record.offset())
-           oid:kMifEndMarker
-        length:@""
-          name:[shownTexts textOf:kEndMarker]
-         value:@""
-         range:NSMakeRange(static_cast<NSUInteger>(record.offset()), kMifEndMarkerSize)];
+  [rows addObject:[NSArray arrayWithObjects:number(record.offset()), number(kMifEndMarker), @"",
+                                            [shownTexts textOf:kEndMarker], @"", nil]];
+  [table setRows:rows];
+}
+
+// Of the record in a row of the table, its header included.
+- (NSRange)bytesOfRow:(NSInteger)row {
+  NSArray* rows = [table rows];
+  if (row < 0 || row >= static_cast<NSInteger>([rows count])) {
+    return NSMakeRange(0, 0);
+  }
+  const auto start = [](NSArray* texts) { return static_cast<NSUInteger>([[texts objectAtIndex:0] integerValue]); };
+  const auto index = static_cast<NSUInteger>(row);
+  const NSUInteger from = start([rows objectAtIndex:index]);
+  const NSUInteger to = index + 1 < [rows count] ? start([rows objectAtIndex:index + 1]) : [message length];
+  return NSMakeRange(from, to - from);
 }
 
 - (void)showHex {
@@ -139,22 +128,18 @@ NSString* hexText(Bytes bytes) {
                                                                    NSForegroundColorAttributeName, nil];
   NSMutableAttributedString* text =
       [[[NSMutableAttributedString alloc] initWithString:hexText(bytes) attributes:plain] autorelease];
-  const NSInteger selected = [tableIn(table) selectedRow];
-  if (selected >= 0 && selected < static_cast<NSInteger>([rows count])) {
-    NSDictionary* row = [rows objectAtIndex:static_cast<NSUInteger>(selected)];
-    const NSRange range = NSRangeFromString([row objectForKey:@"range"]);
-    for (NSUInteger i = range.location; i < NSMaxRange(range);) {
-      // The part of the record that stands in one line.
-      const NSUInteger column = i % kBytesInLine, line = i / kBytesInLine * kLineLength;
-      const NSUInteger count = std::min(NSMaxRange(range) - i, kBytesInLine - column);
-      [text addAttribute:NSBackgroundColorAttributeName
-                   value:markColor()
-                   range:NSMakeRange(line + kHexColumn + 3 * column, 3 * count - 1)];
-      [text addAttribute:NSBackgroundColorAttributeName
-                   value:markColor()
-                   range:NSMakeRange(line + kTextColumn + column, count)];
-      i += count;
-    }
+  const NSRange range = [self bytesOfRow:[table selectedRow]];
+  for (NSUInteger i = range.location; i < NSMaxRange(range);) {
+    // The part of the record that stands in one line.
+    const NSUInteger column = i % kBytesInLine, line = i / kBytesInLine * kLineLength;
+    const NSUInteger count = std::min(NSMaxRange(range) - i, kBytesInLine - column);
+    [text addAttribute:NSBackgroundColorAttributeName
+                 value:markColor()
+                 range:NSMakeRange(line + kHexColumn + 3 * column, 3 * count - 1)];
+    [text addAttribute:NSBackgroundColorAttributeName
+                 value:markColor()
+                 range:NSMakeRange(line + kTextColumn + column, count)];
+    i += count;
   }
   [[hex textStorage] setAttributedString:text];
 }
@@ -164,10 +149,9 @@ NSString* hexText(Bytes bytes) {
   if (![now isEqualToData:message]) {
     [message release];
     message = [now retain];
-    [self readRecords];
-    [tableIn(table) reloadData];
-    if ([tableIn(table) selectedRow] < 0 && [rows count] > 2) {
-      [tableIn(table) selectRowIndexes:[NSIndexSet indexSetWithIndex:1] byExtendingSelection:NO];
+    [self showRecords];
+    if ([table selectedRow] < 0) {
+      [table selectRow:1];
     }
     [self showHex];
   }
@@ -178,13 +162,12 @@ NSString* hexText(Bytes bytes) {
   [shownTexts release];
   shownTexts = texts;
   [texts labelView:page];
-  showColumns(tableIn(table), texts, kSamples);
-  [self readRecords];
-  [tableIn(table) reloadData];
+  [table showTexts:texts];
+  [self showRecords];
 }
 
 - (NSSize)smallestSize {
-  CGFloat width = tableWidth(tableIn(table));
+  CGFloat width = [table smallestWidth];
   width = std::max({width, hexWidth(kLineLength), sizeOf([page viewWithTag:kMessage]).width,
                     sizeOf([page viewWithTag:kBytes]).width});
   const CGFloat labels = sizeOf([page viewWithTag:kMessage]).height + sizeOf([page viewWithTag:kBytes]).height;
@@ -197,21 +180,8 @@ NSString* hexText(Bytes bytes) {
   const CGFloat label = sizeOf([page viewWithTag:kBytes]).height;
   const CGFloat height = size.height - y - 2 * kGap - label - hexHeight(kHexLines) - kMargin;
   [table setFrame:NSMakeRect(kMargin, y, width, height)];
-  [tableIn(table) sizeLastColumnToFit];
   y = place([page viewWithTag:kBytes], kMargin, y + height + kGap) + kGap;
   [hexFrame setFrame:NSMakeRect(kMargin, y, width, hexHeight(kHexLines))];
-}
-
-- (NSInteger)numberOfRowsInTableView:(NSTableView*)view {
-  return static_cast<NSInteger>([rows count]);
-}
-
-- (id)tableView:(NSTableView*)view objectValueForTableColumn:(NSTableColumn*)column row:(NSInteger)row {
-  return [[rows objectAtIndex:static_cast<NSUInteger>(row)] objectForKey:[column identifier]];
-}
-
-- (void)tableViewSelectionDidChange:(NSNotification*)note {
-  [self showHex];
 }
 
 @end

@@ -170,6 +170,12 @@ void answerOnce(Connection& listener, Bytes answer) {
 
 // ---- Texts ----
 
+NSString* textIn(ZOTMultiLang* texts, NSInteger element, NSInteger subElement) {
+  return [texts prgTextForElemNr:[NSNumber numberWithInteger:element]
+                       subElemNr:[NSNumber numberWithInteger:subElement]
+                     withDefault:@"?"];
+}
+
 bool fits(Report& report, int language, NSView* view, NSString* shown, CGFloat needed, CGFloat room) {
   return report.check(needed <= room, "language %d: \"%s\" needs a width of %.0f and has %.0f (element %ld)", language,
                       [shown UTF8String], needed, room, static_cast<long>([view tag]));
@@ -190,16 +196,14 @@ void checkFit(Report& report, int language, NSView* parent) {
 
 void checkColumns(Report& report, int language, ZOTMultiLang* expected, NSView* page) {
   NSEnumerator* views = [[page subviews] objectEnumerator];
-  for (NSScrollView* view; (view = [views nextObject]) != nil;) {
-    if (![view isKindOfClass:[NSScrollView class]] || ![[view documentView] isKindOfClass:[NSTableView class]]) {
+  for (TextTable* view; (view = [views nextObject]) != nil;) {
+    if (![view isKindOfClass:[TextTable class]]) {
       continue;
     }
-    NSEnumerator* columns = [[[view documentView] tableColumns] objectEnumerator];
+    NSEnumerator* columns = [[view columns] objectEnumerator];
     for (NSTableColumn* column; (column = [columns nextObject]) != nil;) {
       NSString* title = [[column headerCell] stringValue];
-      NSString* right = [expected prgTextForElemNr:[NSNumber numberWithInt:[[column identifier] intValue]]
-                                         subElemNr:[NSNumber numberWithInt:0]
-                                       withDefault:@"?"];
+      NSString* right = textIn(expected, [[column identifier] integerValue], 0);
       report.check([title isEqual:right], "language %d: a column reads \"%s\" and not \"%s\"", language,
                    [title UTF8String], [right UTF8String]);
       fits(report, language, view, title, [[column headerCell] cellSize].width, [column width]);
@@ -212,9 +216,7 @@ void checkTitles(Report& report, int language, ZOTMultiLang* expected, NSView* p
   for (NSControl* view; (view = [views nextObject]) != nil;) {
     if ([view tag] > 0 && [view isKindOfClass:[NSControl class]]) {
       NSString* title = [[view cell] title];
-      NSString* right = [expected prgTextForElemNr:[NSNumber numberWithInteger:[view tag]]
-                                         subElemNr:[NSNumber numberWithInt:0]
-                                       withDefault:@"?"];
+      NSString* right = textIn(expected, [view tag], 0);
       report.check([title isEqual:right], "language %d: element %ld reads \"%s\" and not \"%s\"", language,
                    static_cast<long>([view tag]), [title UTF8String], [right UTF8String]);
     }
@@ -232,9 +234,7 @@ struct Sentences {
 // they will stand.
 void checkSentence(int element, int subElement, void* context) {
   const Sentences& all = *static_cast<const Sentences*>(context);
-  NSString* sentence = [all.expected prgTextForElemNr:[NSNumber numberWithInt:element]
-                                            subElemNr:[NSNumber numberWithInt:subElement]
-                                          withDefault:@"?"];
+  NSString* sentence = textIn(all.expected, element, subElement);
   all.report->check(![sentence isEqual:@"?"], "language %d: no text %d/%d", all.language, element, subElement);
   NSTextField* place = element == kOutcomes                        ? [all.settings status]
                        : element == kFaults                        ? [[all.settings profileTab] hintOf:kOidName]
@@ -263,9 +263,7 @@ void checkLanguages(Report& report, SettingsWindow* settings, NSString* director
       id<Tab> tab = [[settings tabs] objectAtIndex:i];
       NSView* page = [tab view];
       [settings selectTab:i];
-      NSString* label = [expected prgTextForElemNr:[NSNumber numberWithInteger:[tab element]]
-                                         subElemNr:[NSNumber numberWithInt:0]
-                                       withDefault:@"?"];
+      NSString* label = textIn(expected, [tab element], 0);
       report.check([[[[settings tabView] selectedTabViewItem] label] isEqual:label],
                    "language %d: tab %lu is in another language", language, static_cast<unsigned long>(i));
       checkTitles(report, language, expected, page);
@@ -278,14 +276,10 @@ void checkLanguages(Report& report, SettingsWindow* settings, NSString* director
     Sentences sentences = {&report, settings, expected, language};
     forEachText(checkSentence, &sentences);
     report.check([[name stringValue] isEqual:text(kTyped[kName])], "language %d: what was typed is gone", language);
-    NSString* hint = [expected prgTextForElemNr:[NSNumber numberWithInt:kOidGateway]
-                                      subElemNr:[NSNumber numberWithInt:kHint]
-                                    withDefault:@"?"];
+    NSString* hint = textIn(expected, kOidGateway, kHint);
     report.check([[[[settings profileTab] hintOf:kOidGateway] stringValue] isEqual:hint],
                  "language %d: a hint is in another language", language);
-    NSString* title = [expected prgTextForElemNr:[NSNumber numberWithInt:kWindowTitle]
-                                       subElemNr:[NSNumber numberWithInt:0]
-                                     withDefault:@"?"];
+    NSString* title = textIn(expected, kWindowTitle, 0);
     report.check([[[settings window] title] isEqual:title], "language %d: the window's title", language);
   }
   // The check itself sees a text that is cut.
@@ -321,17 +315,17 @@ void checkTyping(Report& report, SettingsWindow* settings) {
     NSTextField* field = [tab fieldOf:static_cast<Entry>(entry)];
     report.check([field currentEditor] != nil, "Tab does not reach field %d", entry);
   }
-  RecordsTab* records = [settings recordsTab];
-  if (!report.check([records rowCount] == std::size(kShown) + 2, "%lu records show",
-                    static_cast<unsigned long>([records rowCount]))) {
+  NSArray* records = [[[settings recordsTab] table] rows];
+  if (!report.check([records count] == std::size(kShown) + 2, "%lu records show",
+                    static_cast<unsigned long>([records count]))) {
     return;
   }
   for (NSUInteger i = 0; i < std::size(kShown); ++i) {
-    NSString* value = [records textInRow:i + 1 column:kValueColumn];
+    NSString* value = [[records objectAtIndex:i + 1] lastObject];
     report.check([value isEqual:text(kShown[i])], "record %lu shows \"%s\"", static_cast<unsigned long>(i),
                  [value UTF8String]);
   }
-  NSString* hex = [[records hexView] string];
+  NSString* hex = [[[settings recordsTab] hexView] string];
   report.check([hex hasPrefix:@"0000  01 00 04 00 02 00 00 00 14 00 08 00 42 FC 72 6F"], "the hex view starts \"%s\"",
                [[hex substringToIndex:60] UTF8String]);
 }
@@ -441,7 +435,7 @@ void checkSystem(Report& report, SettingsWindow* settings) {
   Texts* texts = [settings texts];
   for (const int object : {kWindowMutex, kAppliedEvent}) {
     report.check(pump([&] {
-                   NSArray* slots = [[settings systemTab] slots];
+                   NSArray* slots = [[[settings systemTab] slots] rows];
                    bool found = false;
                    for (NSUInteger i = 0; i < [slots count]; ++i) {
                      found = found || [[[slots objectAtIndex:i] lastObject] isEqual:[texts textOf:object]];

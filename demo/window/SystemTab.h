@@ -2,22 +2,18 @@
 #import "Controls.h"
 #include "SharedLog.h"
 
-@interface SystemTab : NSObject <Tab, NSTableViewDataSource, NSTableViewDelegate> {
+@interface SystemTab : NSObject <Tab> {
  @private
   SharedLog* sharedLog;
   Texts* shownTexts;
-  NSMutableArray* words;  // rows, each an array of texts by column
-  NSMutableArray* slots;
   Page* page;
-  NSScrollView* wordTable;
-  NSScrollView* slotTable;
+  TextTable* words;
+  TextTable* slots;
 }
 
 - (id)initWithLog:(SharedLog*)shared;
 - (void)dealloc;
 
-// The rows that show, as arrays of texts in the order of the columns.
-- (NSArray*)words;
-- (NSArray*)slots;
+- (TextTable*)slots;
 
 @end

@@ -46,26 +46,22 @@ NSString* number(long long value) {
   self = [super init];
   if (self != nil) {
     sharedLog = shared;
-    words = [[NSMutableArray alloc] init];
-    slots = [[NSMutableArray alloc] init];
     page = [[Page alloc] initWithFrame:NSZeroRect];
-    wordTable = makeTable(kWordColumns, std::size(kWordColumns), self);
-    slotTable = makeTable(kSlotColumns, std::size(kSlotColumns), self);
+    words = [[[TextTable alloc] initWithColumns:kWordColumns
+                                        samples:kWordSamples
+                                          count:std::size(kWordColumns)] autorelease];
+    slots = [[[TextTable alloc] initWithColumns:kSlotColumns
+                                        samples:kSlotSamples
+                                          count:std::size(kSlotColumns)] autorelease];
     [page addSubview:makeText(kWords)];
-    [page addSubview:wordTable];
+    [page addSubview:words];
     [page addSubview:makeText(kSlots)];
-    [page addSubview:slotTable];
+    [page addSubview:slots];
   }
   return self;
 }
 
 - (void)dealloc {
-  for (NSScrollView* table : {wordTable, slotTable}) {
-    [tableIn(table) setDataSource:nil];
-    [tableIn(table) setDelegate:nil];
-  }
-  [words release];
-  [slots release];
   [shownTexts release];
   [page release];
   [super dealloc];
@@ -79,11 +75,7 @@ NSString* number(long long value) {
   return kSystemTab;
 }
 
-- (NSArray*)words {
-  return words;
-}
-
-- (NSArray*)slots {
+- (TextTable*)slots {
   return slots;
 }
 
@@ -107,11 +99,11 @@ NSString* number(long long value) {
                                                       [shownTexts textOf:objectOf(slot.semId)], nil]];
     }
   }
-  if (![freshWords isEqual:words] || ![freshSlots isEqual:slots]) {
-    [words setArray:freshWords];
-    [slots setArray:freshSlots];
-    [tableIn(wordTable) reloadData];
-    [tableIn(slotTable) reloadData];
+  if (![freshWords isEqual:[words rows]]) {
+    [words setRows:freshWords];
+  }
+  if (![freshSlots isEqual:[slots rows]]) {
+    [slots setRows:freshSlots];
   }
 }
 
@@ -120,15 +112,14 @@ NSString* number(long long value) {
   [shownTexts release];
   shownTexts = texts;
   [texts labelView:page];
-  showColumns(tableIn(wordTable), texts, kWordSamples);
-  showColumns(tableIn(slotTable), texts, kSlotSamples);
+  [words showTexts:texts];
+  [slots showTexts:texts];
   [self refresh];
 }
 
 - (NSSize)smallestSize {
   const NSSize above = sizeOf([page viewWithTag:kWords]), between = sizeOf([page viewWithTag:kSlots]);
-  const CGFloat width =
-      std::max({tableWidth(tableIn(wordTable)), tableWidth(tableIn(slotTable)), above.width, between.width});
+  const CGFloat width = std::max({[words smallestWidth], [slots smallestWidth], above.width, between.width});
   return NSMakeSize(width + 2 * kMargin,
                     2 * kMargin + above.height + between.height + kWordsHeight + kSlotsHeight + 3 * kGap);
 }
@@ -136,20 +127,9 @@ NSString* number(long long value) {
 - (void)layOut:(NSSize)size {
   const CGFloat width = size.width - 2 * kMargin;
   CGFloat y = place([page viewWithTag:kWords], kMargin, kMargin) + kGap;
-  [wordTable setFrame:NSMakeRect(kMargin, y, width, kWordsHeight)];
+  [words setFrame:NSMakeRect(kMargin, y, width, kWordsHeight)];
   y = place([page viewWithTag:kSlots], kMargin, y + kWordsHeight + kGap) + kGap;
-  [slotTable setFrame:NSMakeRect(kMargin, y, width, size.height - y - kMargin)];
-  [tableIn(wordTable) sizeLastColumnToFit];
-  [tableIn(slotTable) sizeLastColumnToFit];
-}
-
-- (NSInteger)numberOfRowsInTableView:(NSTableView*)view {
-  return static_cast<NSInteger>([view == tableIn(wordTable) ? words : slots count]);
-}
-
-- (id)tableView:(NSTableView*)view objectValueForTableColumn:(NSTableColumn*)column row:(NSInteger)row {
-  NSArray* texts = [view == tableIn(wordTable) ? words : slots objectAtIndex:static_cast<NSUInteger>(row)];
-  return [texts objectAtIndex:[[view tableColumns] indexOfObject:column]];
+  [slots setFrame:NSMakeRect(kMargin, y, width, size.height - y - kMargin)];
 }
 
 @end
