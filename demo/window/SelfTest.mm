@@ -469,6 +469,13 @@ void checkLostService(Report& report, SettingsWindow* settings, const std::strin
     answerOnce(listener, {reinterpret_cast<const unsigned char*>(answer.answer.data()), answer.answer.size()});
     tells(answer.outcome, answer.when);
   }
+  // A service that takes the message and says nothing: the window goes on meanwhile.
+  [button(settings, kApply) performClick:nil];
+  type(settings, kName, @"Meanwhile");
+  report.check([[[[[settings recordsTab] table] rows] objectAtIndex:1] containsObject:@"Meanwhile"],
+               "the window stands still while it waits");
+  type(settings, kName, text(kTyped[kName]));
+  tells(kNoAnswer, "with a service that says nothing");
   unlink((directory + "/service.sock").c_str());
 }
 

@@ -139,6 +139,22 @@ TEST_F(DemoService, OutlivesPeersThatFloodStallOrDie) {
   EXPECT_EQ("deaf", stored());
 }
 
+TEST_F(DemoService, WatchTellsOfEveryProfileApplied) {
+  Child watch([] {
+    return freopen("watch", "w", stdout) != nullptr
+               ? execl(DEMO_SERVICE, "service", "--watch", "--directory", ".", nullptr)
+               : 1;
+  });
+  std::string expected;
+  for (const char* name : {"one", "two"}) {
+    ASSERT_EQ(kApplied, integerIn(ask(profile(name)), kOidOutcome));
+    expected += std::string("applied: ") + name + ", revision " + (expected.empty() ? "1" : "2") + "\n";
+    EXPECT_TRUE(zot_test::waitUntil([&] { return zot_test::readFile("watch") == expected; })) << expected;
+  }
+  watch.kill(SIGTERM);
+  EXPECT_EQ(0, watch.wait());
+}
+
 // What killed processes leave in the namespace goes, or the next test would find it.
 void removeNamedObjects() {
   shmctl(shmget(0x8009, 0, 0), IPC_RMID, nullptr);
