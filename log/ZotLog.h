@@ -57,6 +57,25 @@ ZOT_EXPORT uint32_t ZotOsdGetLogLevel(ZotOsLog* log);
 // sign and "%m" the text of errno; any other percent sign shows as it stands.
 ZOT_EXPORT void ZotOsvLog(ZotOsLog* log, uint32_t mask, const char* format, ...) ZOT_PRINTF(3, 4);
 
+// Where the compiler can pass variable arguments on, the level is tested in the caller:
+// a line that is switched off costs no call.  Everywhere else the function itself tests.
+#if defined(__OPTIMIZE__) && defined(__has_builtin)
+#if __has_builtin(__builtin_va_arg_pack)
+#pragma redefine_extname zotLogPassed ZotOsvLog
+ZOT_EXPORT void zotLogPassed(ZotOsLog* log, uint32_t mask, const char* format, ...) ZOT_PRINTF(3, 4);
+extern inline __attribute__((gnu_inline, always_inline, artificial)) void ZotOsvLog(ZotOsLog* log,
+                                                                                    uint32_t mask,
+                                                                                    const char* format, ...) {
+  if (log) {
+    const uint32_t* const word = __atomic_load_n(&log->level, __ATOMIC_ACQUIRE);
+    if (word && (__atomic_load_n(word, __ATOMIC_RELAXED) & mask) > 1) {
+      zotLogPassed(log, mask, format, __builtin_va_arg_pack());
+    }
+  }
+}
+#endif
+#endif
+
 // Write a line and, behind it, a dump of length bytes or numbers at data:
 //
 //   mode 1  the first 64 bytes, 16 a line, in hexadecimal and as characters

@@ -26,7 +26,7 @@ check() {
   shift 3
   for order in alone first last; do
     cp "$work/$order" "$work/$order.$language"
-    if ! "$compiler" -std="$standard" -x "$language" -fsyntax-only -Werror -Wall -Wextra -Wpedantic -Wconversion \
+    if ! "$compiler" -std="$standard" -x "$language" -fsyntax-only -O2 -Werror -Wall -Wextra -Wpedantic -Wconversion \
       -Wsign-conversion -Wshadow -Wundef -Wcast-qual -Wcast-align -Wredundant-decls "$@" \
       "-I$source" "-I$binary" "$work/$order.$language" >"$work/log" 2>&1; then
       echo "$compiler -std=$standard, $order:"
