@@ -14,12 +14,15 @@ class FailingHeap {
   ~FailingHeap() { standing_ = nullptr; }
   FailingHeap(FailingHeap&&) = delete;
 
+  bool refused() const { return refused_; }
+
   // Asked by every call: whether it has to fail, with errno set.
   static bool refuses() {
     if (standing_ == nullptr || standing_->passing_-- != 0) {
       return false;
     }
     standing_->passing_ = 0;
+    standing_->refused_ = true;
     errno = ENOMEM;
     return true;
   }
@@ -27,6 +30,7 @@ class FailingHeap {
  private:
   static inline thread_local FailingHeap* standing_ = nullptr;
   unsigned int passing_;
+  bool refused_ = false;
 };
 
 #endif

@@ -8,7 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <sstream>
+
+#include "support/IpcLeftovers.h"
 
 namespace {
 
@@ -39,7 +40,8 @@ void waitForOtherTests() {
   if (getenv("ZOT_TESTS_LOCKED") != nullptr) {
     return;  // by own-ipc, which started this program
   }
-  std::fprintf(stderr, "no IPC namespace to be had (%s); waiting for other tests instead\n", std::strerror(errno));
+  std::fprintf(stderr, "no IPC namespace to be had (%s); waiting for other tests instead\n",
+               std::strerror(errno));
   const std::string path = testing::TempDir() + "/zotmacguiutils-tests.lock";
   const int lock = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
   if (lock < 0 || flock(lock, LOCK_EX) != 0) {
@@ -47,21 +49,9 @@ void waitForOtherTests() {
   }
 }
 
-// No test may leave a segment or a semaphore set behind.  A segment that is removed
-// and goes with its last user does not count; the mode has a bit for that.
+// No test may leave a segment or a semaphore set behind.
 class LeftoverCheck : public testing::EmptyTestEventListener {
-  void OnTestEnd(const testing::TestInfo&) override {
-    for (const char* path : {"/proc/sysvipc/shm", "/proc/sysvipc/sem"}) {
-      std::ifstream table(path);
-      std::string line;
-      std::getline(table, line);  // the headings
-      while (std::getline(table, line)) {
-        long key = 0, id = 0, mode = 0;
-        std::istringstream(line) >> key >> id >> std::oct >> mode;
-        EXPECT_NE(0, mode & 01000) << path << " lists " << line;
-      }
-    }
-  }
+  void OnTestEnd(const testing::TestInfo&) override { EXPECT_EQ("", zot_test::ipcLeftovers()); }
 };
 
 }  // namespace
