@@ -98,7 +98,8 @@ NSButton* makeCheckBox(NSInteger element, id target, SEL action) {
   for (NSUInteger i = 0; i < [[self columns] count]; ++i) {
     NSTableColumn* column = [[self columns] objectAtIndex:i];
     [[column headerCell] setStringValue:[texts textOf:[[column identifier] integerValue]]];
-    NSDictionary* font = [NSDictionary dictionaryWithObject:[[column dataCell] font] forKey:NSFontAttributeName];
+    NSDictionary* font = [NSDictionary dictionaryWithObject:[[column dataCell] font]
+                                                     forKey:NSFontAttributeName];
     const CGFloat sample = [[NSString stringWithUTF8String:samples[i]] sizeWithAttributes:font].width;
     const CGFloat width = std::ceil(std::max([[column headerCell] cellSize].width, sample) + 2 * kGap);
     [column setMinWidth:width];
@@ -155,7 +156,8 @@ NSButton* makeCheckBox(NSInteger element, id target, SEL action) {
 }
 
 - (id)tableView:(NSTableView*)view objectValueForTableColumn:(NSTableColumn*)column row:(NSInteger)row {
-  return [[rows objectAtIndex:static_cast<NSUInteger>(row)] objectAtIndex:[[self columns] indexOfObject:column]];
+  return
+      [[rows objectAtIndex:static_cast<NSUInteger>(row)] objectAtIndex:[[self columns] indexOfObject:column]];
 }
 
 - (void)tableViewSelectionDidChange:(NSNotification*)note {

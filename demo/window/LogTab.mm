@@ -13,13 +13,14 @@ struct Level {
   int element;
 };
 constexpr Level kLevelBoxes[] = {{ZOT_LOG_ERROR, kErrors},
-                              {ZOT_LOG_FATAL, kFatal},
-                              {ZOT_LOG_TRACE, kTrace},
-                              {ZOT_LOG_DEBUG, kDebug},
-                              {ZOT_LOG_STDOUT, kStandardOutput}};
+                                 {ZOT_LOG_FATAL, kFatal},
+                                 {ZOT_LOG_TRACE, kTrace},
+                                 {ZOT_LOG_DEBUG, kDebug},
+                                 {ZOT_LOG_STDOUT, kStandardOutput}};
 
 constexpr int kColumns[] = {kProgramColumn, kLineColumn};
-constexpr const char* kSamples[] = {"service", 
+constexpr const char* kSamples[] = {
+    "service",
     "26-10-23 12:34:56,789 - TRACE service: 123 bytes received, outcome 1, 123 bytes answered (pid=123456)"};
 constexpr size_t kMostLines = 1000;
 constexpr size_t kStampLength = 21;
@@ -69,7 +70,8 @@ struct LogFile {
   self = [super init];
   if (self != nil) {
     sharedLog = shared;
-    files = new LogFile[kPrograms]{{@"window", directory + "/window.log"}, {@"service", directory + "/service.log"}};
+    files = new LogFile[kPrograms]{{@"window", directory + "/window.log"},
+                                   {@"service", directory + "/service.log"}};
     lines = new std::vector<LogLine>;
     page = [[Page alloc] initWithFrame:NSZeroRect];
     [page addSubview:makeText(kLevels)];
@@ -77,7 +79,8 @@ struct LogFile {
       boxes[i] = makeCheckBox(kLevelBoxes[i].element, self, @selector(levelChosen:));
       [page addSubview:boxes[i]];
     }
-    table = [[[TextTable alloc] initWithColumns:kColumns samples:kSamples count:std::size(kColumns)] autorelease];
+    table = [[[TextTable alloc] initWithColumns:kColumns samples:kSamples
+                                          count:std::size(kColumns)] autorelease];
     [page addSubview:table];
   }
   return self;
@@ -166,8 +169,8 @@ struct LogFile {
   for (size_t i = 0; i + 1 < std::size(kLevelBoxes); ++i) {
     row += sizeOf(boxes[i]).width + 2 * kGap;
   }
-  const CGFloat width = std::max({row, sizeOf(boxes[4]).width, sizeOf([page viewWithTag:kLevels]).width,
-                                  [table smallestWidth]});
+  const CGFloat width = std::max(
+      {row, sizeOf(boxes[4]).width, sizeOf([page viewWithTag:kLevels]).width, [table smallestWidth]});
   const CGFloat above = sizeOf([page viewWithTag:kLevels]).height + 2 * sizeOf(boxes[0]).height;
   return NSMakeSize(width + 2 * kMargin, 2 * kMargin + above + 3 * kGap + kTableHeight);
 }

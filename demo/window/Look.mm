@@ -149,7 +149,9 @@ void replaceImage(NSString* name, NSSize size, void (*draw)(NSRect)) {
   [path stroke];
 }
 
-- (NSRect)tabViewContentRectForBounds:(NSRect)bounds tabViewType:(NSTabViewType)type tabView:(NSTabView*)view {
+- (NSRect)tabViewContentRectForBounds:(NSRect)bounds
+                          tabViewType:(NSTabViewType)type
+                              tabView:(NSTabView*)view {
   bounds.origin.y += kTabHeight;
   bounds.size.height -= kTabHeight;
   return NSInsetRect(bounds, 1, 1);
@@ -160,8 +162,7 @@ void replaceImage(NSString* name, NSSize size, void (*draw)(NSRect)) {
               withItems:(NSArray*)items
            selectedItem:(NSTabViewItem*)selected {
   const NSRect bounds = [view bounds];
-  const NSRect page =
-      NSMakeRect(0, kTabHeight - 1, NSWidth(bounds), NSHeight(bounds) - kTabHeight + 1);
+  const NSRect page = NSMakeRect(0, kTabHeight - 1, NSWidth(bounds), NSHeight(bounds) - kTabHeight + 1);
   drawFrame(page, kRadius, grey(0.98), lineColor());
   CGFloat x = kRadius;
   NSEnumerator* all = [items objectEnumerator];
@@ -197,7 +198,8 @@ void replaceImage(NSString* name, NSSize size, void (*draw)(NSRect)) {
 }
 
 - (NSColor*)colorNamed:(NSString*)name state:(GSThemeControlState)state {
-  return [name isEqual:@"highlightedTableRowBackgroundColor"] ? markColor() : [super colorNamed:name state:state];
+  return [name isEqual:@"highlightedTableRowBackgroundColor"] ? markColor()
+                                                              : [super colorNamed:name state:state];
 }
 
 - (void)drawTableHeaderCell:(NSTableHeaderCell*)cell
@@ -235,12 +237,14 @@ void registerLook(bool ownTitleBar) {
   // The registration domain is the weakest one: what the user has set is kept.
   [[NSUserDefaults standardUserDefaults]
       registerDefaults:[NSDictionary
-                           dictionaryWithObjectsAndKeys:@"DejaVuSans", @"NSFont", @"DejaVuSans-Bold", @"NSBoldFont",
-                                                        @"DejaVuSansMono", @"NSUserFixedPitchFont", @"12",
-                                                        @"NSFontSize", @"YES", @"GSSuppressAppIcon", @"NO",
-                                                        @"GSAppOwnsMiniwindow", @"NSMacintoshInterfaceStyle",
+                           dictionaryWithObjectsAndKeys:@"DejaVuSans", @"NSFont", @"DejaVuSans-Bold",
+                                                        @"NSBoldFont", @"DejaVuSansMono",
+                                                        @"NSUserFixedPitchFont", @"12", @"NSFontSize", @"YES",
+                                                        @"GSSuppressAppIcon", @"NO", @"GSAppOwnsMiniwindow",
+                                                        @"NSMacintoshInterfaceStyle",
                                                         @"NSScrollViewInterfaceStyle", @"12",
-                                                        @"GSScrollerDefaultWidth", ownTitleBar ? @"NO" : @"YES",
+                                                        @"GSScrollerDefaultWidth",
+                                                        ownTitleBar ? @"NO" : @"YES",
                                                         @"GSX11HandlesWindowDecorations", nil]];
 }
 

@@ -103,7 +103,10 @@ NSNumber* portNumber(NSString* text) {
 }
 
 // Both ends of a range, or neither.
-- (Fault)faultFrom:(Entry)from to:(Entry)to form:(BOOL (*)(NSString*))form value:(uint32_t (*)(NSString*))value {
+- (Fault)faultFrom:(Entry)from
+                to:(Entry)to
+              form:(BOOL (*)(NSString*))form
+             value:(uint32_t (*)(NSString*))value {
   NSString* first = [self entry:from];
   NSString* last = [self entry:to];
   if ([first length] == 0 && [last length] == 0) {
@@ -136,9 +139,9 @@ NSNumber* portNumber(NSString* text) {
       return unlessEmpty(kAdapter, isHexGroups([self entry:kAdapter], 6));
     case kOidPorts:
       return [self faultFrom:kPortFrom
-                          to:kPortTo
-                        form:[](NSString* text) -> BOOL { return isNumber(text, 65535) && [text integerValue] > 0; }
-                       value:[](NSString* text) { return static_cast<uint32_t>([text integerValue]); }];
+          to:kPortTo
+          form:[](NSString* text) -> BOOL { return isNumber(text, 65535) && [text integerValue] > 0; }
+          value:[](NSString* text) { return static_cast<uint32_t>([text integerValue]); }];
     case kOidPassword: {
       const Fault fault = faultOfText([self entry:kPassword], kLongestName);
       return fault != kNoFault ? fault : unlessEmpty(kPassword, survivesScrambling([self entry:kPassword]));

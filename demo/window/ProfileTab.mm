@@ -130,7 +130,9 @@ constexpr Row kRows[] = {
       first = &row;
     }
   }
-  [[page window] makeFirstResponder:first != nullptr ? fields[first->first] : nil];
+  if (first != nullptr) {
+    [[page window] makeFirstResponder:fields[first->first]];
+  }
   return first != nullptr;
 }
 
@@ -182,7 +184,8 @@ constexpr Row kRows[] = {
   const auto placeLabel = [&](unsigned short oid, CGFloat height) {
     NSView* label = [view viewWithTag:oid];
     const NSSize own = sizeOf(label);
-    [label setFrame:NSMakeRect(left - kGap - own.width, y + (height - own.height) / 2, own.width, own.height)];
+    [label
+        setFrame:NSMakeRect(left - kGap - own.width, y + (height - own.height) / 2, own.width, own.height)];
   };
   for (const Row& row : kRows) {
     placeLabel(row.oid, kFieldHeight);

@@ -13,10 +13,10 @@ constexpr int kColumns[] = {kOffsetColumn, kOidColumn, kLengthColumn, kFieldColu
 constexpr const char* kSamples[] = {"00000", "65535", "00000", "Nazwa profilu, Nazwa",
                                     "00.11.22.33.44.55.66.77.88.99.AA.BB.CC.DD.EE.FF"};
 constexpr NSUInteger kBytesInLine = 16;
-constexpr NSUInteger kHexColumn = 6;                                     // behind "0000  "
-constexpr NSUInteger kTextColumn = kHexColumn + 3 * kBytesInLine + 1;    // behind the bytes
-constexpr NSUInteger kLineLength = kTextColumn + kBytesInLine + 1;       // with the newline
-constexpr CGFloat kTableHeight = 222;  // the header and ten rows
+constexpr NSUInteger kHexColumn = 6;                                   // behind "0000  "
+constexpr NSUInteger kTextColumn = kHexColumn + 3 * kBytesInLine + 1;  // behind the bytes
+constexpr NSUInteger kLineLength = kTextColumn + kBytesInLine + 1;     // with the newline
+constexpr CGFloat kTableHeight = 222;                                  // the header and ten rows
 constexpr NSUInteger kHexLines = 8;
 
 NSString* number(uint64_t value) {
@@ -51,7 +51,8 @@ NSString* hexText(Bytes bytes) {
     profile = [shown retain];
     page = [[Page alloc] initWithFrame:NSZeroRect];
     [page addSubview:makeText(kMessage)];
-    table = [[[TextTable alloc] initWithColumns:kColumns samples:kSamples count:std::size(kColumns)] autorelease];
+    table = [[[TextTable alloc] initWithColumns:kColumns samples:kSamples
+                                          count:std::size(kColumns)] autorelease];
     [table setTarget:self selected:@selector(showHex)];
     [page addSubview:table];
     [page addSubview:makeText(kBytes)];
@@ -100,8 +101,8 @@ NSString* hexText(Bytes bytes) {
   for (; record != records.end(); ++record) {
     NSString* value = record->oid == kOidRequest ? number(mifLoad<uint32_t>(record->value))
                                                  : readableField(message, record->oid);
-    [rows addObject:[NSArray arrayWithObjects:number(record->offset), number(record->oid), number(record->length),
-                                              [self nameOf:record->oid], value, nil]];
+    [rows addObject:[NSArray arrayWithObjects:number(record->offset), number(record->oid),
+                                              number(record->length), [self nameOf:record->oid], value, nil]];
   }
   [rows addObject:[NSArray arrayWithObjects:number(record.offset()), number(kMifEndMarker), @"",
                                             [shownTexts textOf:kEndMarker], @"", nil]];
@@ -114,7 +115,9 @@ NSString* hexText(Bytes bytes) {
   if (row < 0 || row >= static_cast<NSInteger>([rows count])) {
     return NSMakeRange(0, 0);
   }
-  const auto start = [](NSArray* texts) { return static_cast<NSUInteger>([[texts objectAtIndex:0] integerValue]); };
+  const auto start = [](NSArray* texts) {
+    return static_cast<NSUInteger>([[texts objectAtIndex:0] integerValue]);
+  };
   const auto index = static_cast<NSUInteger>(row);
   const NSUInteger from = start([rows objectAtIndex:index]);
   const NSUInteger to = index + 1 < [rows count] ? start([rows objectAtIndex:index + 1]) : [message length];
@@ -126,8 +129,8 @@ NSString* hexText(Bytes bytes) {
   NSDictionary* plain = [NSDictionary dictionaryWithObjectsAndKeys:[NSFont userFixedPitchFontOfSize:kHexSize],
                                                                    NSFontAttributeName, [NSColor textColor],
                                                                    NSForegroundColorAttributeName, nil];
-  NSMutableAttributedString* text =
-      [[[NSMutableAttributedString alloc] initWithString:hexText(bytes) attributes:plain] autorelease];
+  NSMutableAttributedString* text = [[[NSMutableAttributedString alloc] initWithString:hexText(bytes)
+                                                                            attributes:plain] autorelease];
   const NSRange range = [self bytesOfRow:[table selectedRow]];
   for (NSUInteger i = range.location; i < NSMaxRange(range);) {
     // The part of the record that stands in one line.
@@ -170,8 +173,10 @@ NSString* hexText(Bytes bytes) {
   CGFloat width = [table smallestWidth];
   width = std::max({width, hexWidth(kLineLength), sizeOf([page viewWithTag:kMessage]).width,
                     sizeOf([page viewWithTag:kBytes]).width});
-  const CGFloat labels = sizeOf([page viewWithTag:kMessage]).height + sizeOf([page viewWithTag:kBytes]).height;
-  return NSMakeSize(width + 2 * kMargin, 2 * kMargin + labels + kTableHeight + 3 * kGap + hexHeight(kHexLines));
+  const CGFloat labels =
+      sizeOf([page viewWithTag:kMessage]).height + sizeOf([page viewWithTag:kBytes]).height;
+  return NSMakeSize(width + 2 * kMargin,
+                    2 * kMargin + labels + kTableHeight + 3 * kGap + hexHeight(kHexLines));
 }
 
 - (void)layOut:(NSSize)size {

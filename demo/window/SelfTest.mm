@@ -41,13 +41,23 @@ constexpr double kPatience = 8;  // seconds
 constexpr int kLanguages[] = {2, 1, 4, 3, 11, 0};
 
 // What is typed, and what is shown of it.
-constexpr const char* kTyped[kEntryCount] = {"B\u00FCro S\u00FCd", "192.0.2.1", "10.8.0.10",
-                                             "10.8.0.200",         "00:1a:2B:3c:4D:5e", "40000",
-                                             "40999",              "Nachtwache am Tor",
+constexpr const char* kTyped[kEntryCount] = {"B\u00FCro S\u00FCd",
+                                             "192.0.2.1",
+                                             "10.8.0.10",
+                                             "10.8.0.200",
+                                             "00:1a:2B:3c:4D:5e",
+                                             "40000",
+                                             "40999",
+                                             "Nachtwache am Tor",
                                              "0F.1E.2D.3C.4B.5A.69.78.87.96.A5.B4.C3.D2.E1.F0"};
-constexpr const char* kShown[] = {"B\u00FCro S\u00FCd", "192.0.2.1", "10.8.0.10 - 10.8.0.200",
-                                  "00.1A.2B.3C.4D.5E", "40000 - 40999", "*****************",
-                                  "0F.1E.2D.3C.4B.5A.69.78.87.96.A5.B4.C3.D2.E1.F0", "0x5"};
+constexpr const char* kShown[] = {"B\u00FCro S\u00FCd",
+                                  "192.0.2.1",
+                                  "10.8.0.10 - 10.8.0.200",
+                                  "00.1A.2B.3C.4D.5E",
+                                  "40000 - 40999",
+                                  "*****************",
+                                  "0F.1E.2D.3C.4B.5A.69.78.87.96.A5.B4.C3.D2.E1.F0",
+                                  "0x5"};
 
 struct Report {
   FILE* terminal;
@@ -177,8 +187,8 @@ NSString* textIn(ZOTMultiLang* texts, NSInteger element, NSInteger subElement) {
 }
 
 bool fits(Report& report, int language, NSView* view, NSString* shown, CGFloat needed, CGFloat room) {
-  return report.check(needed <= room, "language %d: \"%s\" needs a width of %.0f and has %.0f (element %ld)", language,
-                      [shown UTF8String], needed, room, static_cast<long>([view tag]));
+  return report.check(needed <= room, "language %d: \"%s\" needs a width of %.0f and has %.0f (element %ld)",
+                      language, [shown UTF8String], needed, room, static_cast<long>([view tag]));
 }
 
 // Labels, buttons, check boxes and hints; what the user fills may be longer than its field.
@@ -235,11 +245,13 @@ struct Sentences {
 void checkSentence(int element, int subElement, void* context) {
   const Sentences& all = *static_cast<const Sentences*>(context);
   NSString* sentence = textIn(all.expected, element, subElement);
-  all.report->check(![sentence isEqual:@"?"], "language %d: no text %d/%d", all.language, element, subElement);
-  NSTextField* place = element == kOutcomes                        ? [all.settings status]
-                       : element == kFaults                        ? [[all.settings profileTab] hintOf:kOidName]
-                       : subElement == kHint || subElement == kWrongForm ? [[all.settings profileTab] hintOf:kOidName]
-                                                                         : nil;
+  all.report->check(![sentence isEqual:@"?"], "language %d: no text %d/%d", all.language, element,
+                    subElement);
+  NSTextField* place = element == kOutcomes ? [all.settings status]
+                       : element == kFaults ? [[all.settings profileTab] hintOf:kOidName]
+                       : subElement == kHint || subElement == kWrongForm
+                           ? [[all.settings profileTab] hintOf:kOidName]
+                           : nil;
   if (place != nil) {
     NSTextFieldCell* cell = [[[place cell] copy] autorelease];
     [cell setStringValue:sentence];
@@ -253,6 +265,7 @@ void checkLanguages(Report& report, SettingsWindow* settings, NSString* director
   NSTextField* name = [[settings profileTab] fieldOf:kName];
   for (const int language : kLanguages) {
     chooseLanguage(settings, language);
+    [[settings window] setContentSize:[[settings window] contentMinSize]];
     const int meant = language != 0 ? language : [[expected zotLanguageNumberFromPrefs] intValue];
     report.check([expected loadTextsForLanguageNr:meant withFilePath:directory formNumber:10],
                  "no language file for %d", meant);
@@ -275,7 +288,8 @@ void checkLanguages(Report& report, SettingsWindow* settings, NSString* director
          NSMinX([beside frame]) - NSMinX([[settings tabView] frame]));
     Sentences sentences = {&report, settings, expected, language};
     forEachText(checkSentence, &sentences);
-    report.check([[name stringValue] isEqual:text(kTyped[kName])], "language %d: what was typed is gone", language);
+    report.check([[name stringValue] isEqual:text(kTyped[kName])], "language %d: what was typed is gone",
+                 language);
     NSString* hint = textIn(expected, kOidGateway, kHint);
     report.check([[[[settings profileTab] hintOf:kOidGateway] stringValue] isEqual:hint],
                  "language %d: a hint is in another language", language);
@@ -326,8 +340,8 @@ void checkTyping(Report& report, SettingsWindow* settings) {
                  [value UTF8String]);
   }
   NSString* hex = [[[settings recordsTab] hexView] string];
-  report.check([hex hasPrefix:@"0000  01 00 04 00 02 00 00 00 14 00 08 00 42 FC 72 6F"], "the hex view starts \"%s\"",
-               [[hex substringToIndex:60] UTF8String]);
+  report.check([hex hasPrefix:@"0000  01 00 04 00 02 00 00 00 14 00 08 00 42 FC 72 6F"],
+               "the hex view starts \"%s\"", [[hex substringToIndex:60] UTF8String]);
 }
 
 void checkFaults(Report& report, SettingsWindow* settings) {
@@ -361,8 +375,8 @@ void checkFaults(Report& report, SettingsWindow* settings) {
                  "\"%s\" in field %d: \"%s\"", wrong.wrong, wrong.entry, [told UTF8String]);
     type(settings, wrong.entry, text(kTyped[wrong.entry]));
     told = [[[settings profileTab] hintOf:wrong.oid] stringValue];
-    report.check([told isEqual:[texts textOf:wrong.oid sub:kHint]], "field %d, mended, still tells \"%s\"", wrong.entry,
-                 [told UTF8String]);
+    report.check([told isEqual:[texts textOf:wrong.oid sub:kHint]], "field %d, mended, still tells \"%s\"",
+                 wrong.entry, [told UTF8String]);
   }
 }
 
@@ -381,7 +395,8 @@ std::string readFile(const std::string& path) {
 std::string fieldsOf(const void* bytes, size_t size) {
   const MifRecords records(static_cast<const unsigned char*>(bytes), size);
   const auto first = records.begin();
-  const auto skipped = first == records.end() ? size : static_cast<size_t>(first->valueOffset() + first->length);
+  const auto skipped =
+      first == records.end() ? size : static_cast<size_t>(first->valueOffset() + first->length);
   return {static_cast<const char*>(bytes) + skipped, size - skipped};
 }
 
@@ -425,7 +440,8 @@ void checkLevel(Report& report, SettingsWindow* settings) {
   for (const uint32_t mask : {ZOT_LOG_ERROR, ZOT_LOG_FATAL, ZOT_LOG_DEBUG}) {
     NSButton* box = [[settings logTab] boxFor:mask];
     ZotOsvSetLogLevel(other, mask);
-    report.check(pump([&] { return [box state] == NSOnState; }), "level %08X, set elsewhere, does not show", mask);
+    report.check(pump([&] { return [box state] == NSOnState; }), "level %08X, set elsewhere, does not show",
+                 mask);
     [box performClick:nil];
     report.check((ZotOsdGetLogLevel(other) & mask) == 0, "level %08X is not cleared by its box", mask);
   }
@@ -448,7 +464,8 @@ void checkSystem(Report& report, SettingsWindow* settings) {
 
 void checkLostService(Report& report, SettingsWindow* settings, const std::string& directory) {
   const auto tells = [&](Outcome outcome, const char* when) {
-    report.check(comesTo(settings, outcome), "%s: \"%s\"", when, [[[settings status] stringValue] UTF8String]);
+    report.check(comesTo(settings, outcome), "%s: \"%s\"", when,
+                 [[[settings status] stringValue] UTF8String]);
     NSString* name = [[[settings profileTab] fieldOf:kName] stringValue];
     report.check([name isEqual:text(kTyped[kName])], "%s: what was typed is gone", when);
   };
@@ -466,7 +483,8 @@ void checkLostService(Report& report, SettingsWindow* settings, const std::strin
                  {std::string("\x02\0\x04\0\x04\0\0\0\xff\xff", 10), kNotStored, "with a full disk"}};
   for (const auto& answer : answers) {
     [button(settings, kApply) performClick:nil];
-    answerOnce(listener, {reinterpret_cast<const unsigned char*>(answer.answer.data()), answer.answer.size()});
+    answerOnce(listener,
+               {reinterpret_cast<const unsigned char*>(answer.answer.data()), answer.answer.size()});
     tells(answer.outcome, answer.when);
   }
   // A service that takes the message and says nothing: the window goes on meanwhile.

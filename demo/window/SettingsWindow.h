@@ -25,6 +25,8 @@
   NSTimer* timer;
   SharedLog* sharedLog;
   int outcome;
+  int underWay;  // the Request that the call asks; 0: none
+  int waiting;   // the one to send after it
   BOOL touched;  // something was typed
 }
 

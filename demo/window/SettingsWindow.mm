@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <iterator>
 
 #import "LogTab.h"
 #import "Look.h"
@@ -19,11 +20,8 @@ struct Language {
   int number;
   const char* name;
 };
-constexpr Language kLanguages[] = {{2, "English"},
-                                   {1, "Deutsch"},
-                                   {4, "Fran\u00E7ais"},
-                                   {3, "Espa\u00F1ol"},
-                                   {11, "Polski"}};
+constexpr Language kLanguages[] = {
+    {2, "English"}, {1, "Deutsch"}, {4, "Fran\u00E7ais"}, {3, "Espa\u00F1ol"}, {11, "Polski"}};
 
 }  // namespace
 
@@ -36,6 +34,7 @@ constexpr Language kLanguages[] = {{2, "English"},
 - (void)refresh;
 - (void)profileChanged;
 - (void)send:(Request)request;
+- (void)ask:(Request)request;
 - (void)showOutcome:(int)number;
 @end
 
@@ -58,13 +57,14 @@ constexpr Language kLanguages[] = {{2, "English"},
     [window setDelegate:self];
     sharedLog = shared;
     tabs = [[NSMutableArray alloc] init];
-    [tabs addObject:[[[ProfileTab alloc] initWithProfile:profile
-                                                   owner:self
+    [tabs addObject:[[[ProfileTab alloc] initWithProfile:profile owner:self
                                                  changed:@selector(profileChanged)] autorelease]];
     [tabs addObject:[[[RecordsTab alloc] initWithProfile:profile] autorelease]];
     [tabs addObject:[[[LogTab alloc] initWithLog:shared directory:directory] autorelease]];
     [tabs addObject:[[[SystemTab alloc] initWithLog:shared] autorelease]];
-    call = [[ServiceCall alloc] initWithSocket:directory + "/service.sock" owner:self done:@selector(answered)];
+    call = [[ServiceCall alloc] initWithSocket:directory + "/service.sock"
+                                         owner:self
+                                          done:@selector(answered)];
     [self addControls];
     [self showLanguage:number];
   }
@@ -83,7 +83,7 @@ constexpr Language kLanguages[] = {{2, "English"},
 
 - (void)open {
   [window makeKeyAndOrderFront:nil];
-  [call send:[profile messageFor:kRequestRead]];
+  [self ask:kRequestRead];
   [self refresh];
   // The timer keeps its target; close lets go of both.
   timer = [NSTimer scheduledTimerWithTimeInterval:0.25
@@ -211,7 +211,7 @@ constexpr Language kLanguages[] = {{2, "English"},
   [connect setKeyEquivalent:@"\r"];
   [connect setFont:[NSFont boldSystemFontOfSize:12]];
   NSView* const order[] = {[[self profileTab] lastControl], cancel, apply, connect, languages};
-  for (size_t i = 0; i + 1 < sizeof order / sizeof *order; ++i) {
+  for (size_t i = 0; i + 1 < std::size(order); ++i) {
     [order[i] setNextKeyView:order[i + 1]];
   }
   [languages setNextKeyView:[[self profileTab] firstControl]];
@@ -231,15 +231,18 @@ constexpr Language kLanguages[] = {{2, "English"},
   const NSRect whole = NSMakeRect(0, 0, 1000, 1000);
   [tabView setFrame:whole];
   const NSRect inner = [tabView contentRect];
-  const NSSize size = NSMakeSize(page.width + NSWidth(whole) - NSWidth(inner) + 2 * kMargin,
-                                 page.height + NSHeight(whole) - NSHeight(inner) + [self heightBelowTabs] + kMargin);
+  const NSSize size =
+      NSMakeSize(page.width + NSWidth(whole) - NSWidth(inner) + 2 * kMargin,
+                 page.height + NSHeight(whole) - NSHeight(inner) + [self heightBelowTabs] + kMargin);
+  const NSSize now = [[window contentView] bounds].size;
   [window setContentMinSize:size];
-  [window setContentSize:size];
+  [window setContentSize:NSMakeSize(std::max(size.width, now.width), std::max(size.height, now.height))];
   [self layOut];
 }
 
 - (CGFloat)heightBelowTabs {
-  return kGap + sizeOf(status).height + kGap + sizeOf([[window contentView] viewWithTag:kConnect]).height + kMargin;
+  const CGFloat buttons = sizeOf([[window contentView] viewWithTag:kConnect]).height;
+  return kGap + sizeOf(status).height + kGap + buttons + kMargin;
 }
 
 - (void)layOut {
@@ -251,7 +254,8 @@ constexpr Language kLanguages[] = {{2, "English"},
   NSView* label = [content viewWithTag:kLanguage];
   const NSSize labelSize = sizeOf(label);
   [label setFrame:NSMakeRect(NSMinX([languages frame]) - kGap - labelSize.width,
-                             NSMidY([languages frame]) - labelSize.height / 2, labelSize.width, labelSize.height)];
+                             NSMidY([languages frame]) - labelSize.height / 2, labelSize.width,
+                             labelSize.height)];
 
   CGFloat y = size.height - [self heightBelowTabs];
   [tabView setFrame:NSMakeRect(kMargin, kMargin, width, y - kMargin)];
@@ -301,8 +305,19 @@ constexpr Language kLanguages[] = {{2, "English"},
   if ([[self profileTab] tellFaults:0]) {
     [self selectTab:0];
     [self showOutcome:kFaultyFields];
-  } else if ([call send:[profile messageFor:request]]) {
+  } else if (underWay != 0) {
+    waiting = request;
     [self showOutcome:kSending];
+  } else {
+    [self ask:request];
+  }
+}
+
+- (void)ask:(Request)request {
+  const BOOL sent = [call send:[profile messageFor:request]];
+  underWay = sent ? static_cast<int>(request) : 0;
+  if (request != kRequestRead) {
+    [self showOutcome:sent ? kSending : kNoAnswer];
   }
 }
 
@@ -310,12 +325,18 @@ constexpr Language kLanguages[] = {{2, "English"},
   const Outcome came = [call outcome];
   ZotOsvLog(*sharedLog, ZOT_LOG_TRACE, "TRACE window: %lu bytes answered, outcome %u (pid=%d)",
             static_cast<unsigned long>([[call answer] length]), came, getpid());
-  if (outcome != kSending) {
-    // Of the profile that was asked for when the window opened.
+  const int asked = underWay;
+  underWay = 0;
+  if (asked == kRequestRead) {
+    // The stored profile; what was typed meanwhile counts more.
     if (came == kRead && !touched) {
       [profile takeMessage:[call answer]];
       [[self profileTab] showProfile];
       [self refresh];
+    }
+    if (waiting != 0) {
+      [self send:static_cast<Request>(waiting)];
+      waiting = 0;
     }
     return;
   }
@@ -333,7 +354,8 @@ constexpr Language kLanguages[] = {{2, "English"},
   NSView* content = [window contentView];
   [[content viewWithTag:kApply] setEnabled:number != kSending];
   [[content viewWithTag:kConnect] setEnabled:number != kSending];
-  [status setTextColor:number == kApplied || number == kConnected || number == kSending ? hintColor() : faultColor()];
+  const BOOL good = number == kApplied || number == kConnected || number == kSending;
+  [status setTextColor:good ? hintColor() : faultColor()];
   [status setStringValue:number == 0 ? @"" : [texts textOf:kOutcomes sub:number]];
 }
 

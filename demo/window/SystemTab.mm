@@ -21,9 +21,11 @@ struct SharedBlock {
 static_assert(sizeof(SharedBlock) == 500);
 
 constexpr int kWordColumns[] = {kWordColumn, kValueColumn, kMeaningColumn};
-constexpr int kSlotColumns[] = {kSlotColumn, kIdentifierColumn, kReferencesColumn, kValueColumn, kObjectColumn};
+constexpr int kSlotColumns[] = {kSlotColumn, kIdentifierColumn, kReferencesColumn, kValueColumn,
+                                kObjectColumn};
 constexpr const char* kWordSamples[] = {"000", "0x00000000", "Referencias a semaforos con nombre"};
-constexpr const char* kSlotSamples[] = {"00", "0000000000", "00", "00", "Evento: un perfil fue aplicado, o otro"};
+constexpr const char* kSlotSamples[] = {"00", "0000000000", "00", "00",
+                                        "Evento: un perfil fue aplicado, o otro"};
 constexpr CGFloat kWordsHeight = 120;  // the header and five rows
 constexpr CGFloat kSlotsHeight = 130;
 
@@ -88,7 +90,8 @@ NSString* number(long long value) {
   NSMutableArray* freshWords = [NSMutableArray array];
   for (int i = 0; i < 5; ++i) {
     NSString* value = i == 0 ? [NSString stringWithFormat:@"0x%08X", block.words[i]] : number(block.words[i]);
-    [freshWords addObject:[NSArray arrayWithObjects:number(i), value, [shownTexts textOf:kFirstWord + i], nil]];
+    [freshWords
+        addObject:[NSArray arrayWithObjects:number(i), value, [shownTexts textOf:kFirstWord + i], nil]];
   }
   NSMutableArray* freshSlots = [NSMutableArray array];
   for (uint32_t i = 0; i < std::min<uint32_t>(block.words[4], std::size(block.slots)); ++i) {

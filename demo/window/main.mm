@@ -39,12 +39,10 @@ struct Options {
 constexpr const char* kTabNames[] = {"profile", "records", "log", "system"};
 
 Options readOptions(int argc, char** argv) {
-  const option known[] = {{"directory", required_argument, nullptr, 'd'},
-                          {"language", required_argument, nullptr, 'l'},
-                          {"tab", required_argument, nullptr, 't'},
-                          {"screenshot", required_argument, nullptr, 's'},
-                          {"selftest", no_argument, nullptr, 'c'},
-                          {}};
+  const option known[] = {
+      {"directory", required_argument, nullptr, 'd'}, {"language", required_argument, nullptr, 'l'},
+      {"tab", required_argument, nullptr, 't'},       {"screenshot", required_argument, nullptr, 's'},
+      {"selftest", no_argument, nullptr, 'c'},        {}};
   Options options;
   opterr = 0;  // AppKit has options of its own, such as -AppleLanguages '(fr)'
   for (int found; (found = getopt_long_only(argc, argv, "", known, nullptr)) != -1;) {
@@ -101,7 +99,8 @@ int run(const Options& options) {
   if (!only.isMine()) {
     std::fprintf(stderr, "demo: %s\n", [[texts textOf:kOutcomes sub:kSecondWindow] UTF8String]);
     if (options.interactive()) {
-      NSRunAlertPanel([texts textOf:kWindowTitle], @"%@", nil, nil, nil, [texts textOf:kOutcomes sub:kSecondWindow]);
+      NSRunAlertPanel([texts textOf:kWindowTitle], @"%@", nil, nil, nil,
+                      [texts textOf:kOutcomes sub:kSecondWindow]);
     }
     return EXIT_FAILURE;
   }
@@ -114,15 +113,17 @@ int run(const Options& options) {
   SharedLog log;
   SettingsWindow* settings = [[[SettingsWindow alloc] initWithTexts:texts
                                                            language:options.language
-                                                            directory:options.directory
+                                                          directory:options.directory
                                                                 log:&log] autorelease];
   [settings selectTab:options.tab];
   // A picture of the log has lines in it.
-  const uint32_t raised = options.screenshot != nullptr ? (ZOT_LOG_TRACE | ZOT_LOG_STDOUT) & ~ZotOsdGetLogLevel(log) : 0;
+  const uint32_t raised =
+      options.screenshot != nullptr ? (ZOT_LOG_TRACE | ZOT_LOG_STDOUT) & ~ZotOsdGetLogLevel(log) : 0;
   ZotOsvSetLogLevel(log, raised);
   int status = EXIT_SUCCESS;
   if (options.selfTest) {
-    status = runSelfTest(settings, textDirectory(), options.directory, terminal) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+    status = runSelfTest(settings, textDirectory(), options.directory, terminal) == 0 ? EXIT_SUCCESS
+                                                                                      : EXIT_FAILURE;
   } else if ([settings open]; options.interactive()) {
     [NSApp run];
   } else if (writePicture([settings window], options.screenshot)) {
