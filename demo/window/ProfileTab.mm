@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr CGFloat kWidestField = 380;
+constexpr CGFloat kSmallestFields = 380;
 
 // A row of the page: a label, one field or both ends of a range, a hint below.
 struct Row {
@@ -154,7 +154,7 @@ constexpr Row kRows[] = {
 
 // As wide as the longest sentence that may stand below a field.
 - (CGFloat)fieldWidth {
-  CGFloat width = kWidestField;
+  CGFloat width = kSmallestFields;
   NSTextField* probe = makeHint();
   for (const Row& row : kRows) {
     for (const int sub : {kHint, kWrongForm}) {
