@@ -118,7 +118,7 @@ class MifRecords {
       record_.oid = mifLoad<unsigned short>(header);
       record_.length = mifLoad<unsigned short>(header + 2);
       record_.value = header + kMifHeaderSize;
-      record_.available = behind_ < record_.length ? static_cast<size_t>(behind_) : record_.length;
+      record_.available = behind_ < record_.length ? static_cast<unsigned short>(behind_) : record_.length;
     }
 
     bool atEnd_ = true;
@@ -143,7 +143,7 @@ class MifRecords {
     uint64_t count = 0;
     uint64_t at = 0;
     while (at <= lastHeader) {
-      const unsigned char* header = bytes_ + static_cast<size_t>(at);
+      const unsigned char* header = bytes_ + at;
       const auto its = mifLoad<unsigned short>(header);
       const auto length = mifLoad<unsigned short>(header + 2);
       if (its == kMifEndMarker) {
