@@ -23,6 +23,7 @@ constexpr const char* kSamples[] = {
     "service",
     "26-10-23 12:34:56,789 - TRACE service: 123 bytes received, outcome 1, 123 bytes answered (pid=123456)"};
 constexpr size_t kMostLines = 1000;
+constexpr std::streamoff kMostBytes = 1 << 18;  // of one program at a time
 constexpr size_t kStampLength = 21;
 constexpr CGFloat kTableHeight = 200;
 constexpr NSUInteger kPrograms = 2;
@@ -50,13 +51,14 @@ struct LogFile {
       at = 0;  // the program was started anew
       rest.clear();
     }
+    at = std::max(at, size - kMostBytes);
     std::string fresh(static_cast<size_t>(size - at), '\0');
     file.seekg(at);
     file.read(fresh.data(), size - at);
     at += file.gcount();
     rest.append(fresh, 0, static_cast<size_t>(file.gcount()));
     for (size_t end; (end = rest.find('\n')) != std::string::npos; rest.erase(0, end + 1)) {
-      if (rest.compare(kStampLength, 3, " - ") == 0) {
+      if (end > kStampLength && rest.compare(kStampLength, 3, " - ") == 0) {
         stamp = rest.substr(0, kStampLength);
       }
       lines->push_back({stamp, program, rest.substr(0, end)});

@@ -436,6 +436,10 @@ void checkApply(Report& report, SettingsWindow* settings, const std::string& dir
 // ---- What other processes do ----
 
 void checkLevel(Report& report, SettingsWindow* settings) {
+  std::puts("short");  // what else comes on standard output is shown, too
+  std::fflush(stdout);
+  report.check(pump([&] { return [[settings logTab] hasLine:"short" of:@"window"]; }),
+               "a short line is lost");
   SharedLog other;
   for (const uint32_t mask : {ZOT_LOG_ERROR, ZOT_LOG_FATAL, ZOT_LOG_DEBUG}) {
     NSButton* box = [[settings logTab] boxFor:mask];
@@ -501,7 +505,7 @@ void checkLostService(Report& report, SettingsWindow* settings, const std::strin
 
 int runSelfTest(SettingsWindow* settings, NSString* texts, const std::string& directory, FILE* terminal) {
   Report report = {terminal};
-  ZotOsvSetLogLevel(*[settings log], ZOT_LOG_TRACE | ZOT_LOG_STDOUT);
+  ZotOsvSetLogLevel(*[settings log], ZOT_LOG_TRACE | ZOT_LOG_DEBUG | ZOT_LOG_STDOUT);
   const bool storedBefore = std::filesystem::exists(directory + "/profile.mif");
   {
     const ServiceProcess service(directory);
