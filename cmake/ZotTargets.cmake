@@ -28,6 +28,7 @@ function(zot_library stem name)
   add_library(${stem}_objects OBJECT)
   target_link_libraries(${stem}_objects PRIVATE zot_build)
   target_include_directories(${stem}_objects PRIVATE "${PROJECT_SOURCE_DIR}")
+  target_compile_definitions(${stem}_objects PRIVATE ZOT_LOG_LEVEL_TESTED)
   # Nobody replaces an exported function inside the library: calls between them may be
   # inlined and need no linkage table.  Calls of the system's libraries do without it too.
   target_compile_options(${stem}_objects PRIVATE -fno-semantic-interposition -fno-plt)

@@ -59,7 +59,8 @@ ZOT_EXPORT void ZotOsvLog(ZotOsLog* log, uint32_t mask, const char* format, ...)
 
 // Where the compiler can pass variable arguments on, the level is tested in the caller:
 // a line that is switched off costs no call.  Everywhere else the function itself tests.
-#if defined(__OPTIMIZE__) && defined(__has_builtin)
+// Only this library, whose lines look at the level before their arguments, leaves it out.
+#if defined(__OPTIMIZE__) && defined(__has_builtin) && !defined(ZOT_LOG_LEVEL_TESTED)
 #if __has_builtin(__builtin_va_arg_pack)
 #pragma redefine_extname zotLogPassed ZotOsvLog
 ZOT_EXPORT void zotLogPassed(ZotOsLog* log, uint32_t mask, const char* format, ...) ZOT_PRINTF(3, 4);
