@@ -44,7 +44,9 @@ Output::Output(std::FILE* stream, bool colours)
     : stream_(stream), terminal_(isatty(fileno(stream)) != 0), colours_(colours) {}
 
 void Output::write(std::string_view text) {
-  Progress::hide();
+  if (terminal_) {
+    Progress::hide();
+  }
   if (std::fwrite(text.data(), 1, text.size(), stream_) != text.size()) {
     throw Failure(fmt::format("standard output: {}", std::strerror(errno)));
   }

@@ -64,7 +64,7 @@ class FileIterator {
   reference operator*() const { return character_; }
   FileIterator& operator++() {
     place_->line += character_ == '\n' ? 1 : 0;
-    const int next = std::fgetc(place_->stream);
+    const int next = getc_unlocked(place_->stream);
     if (next == EOF) {
       place_ = nullptr;
     } else if (++place_->elementBytes > kLongestElement) {
