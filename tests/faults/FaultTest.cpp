@@ -145,7 +145,12 @@ int __wrap_semctl(int id, int number, int command, ...) {
 
 }  // extern "C"
 
-// Strings and containers of the library fail with its own allocations.
+// Strings and containers of the library fail with its own allocations.  The thread sanitizer
+// has operators that nobody may replace.
+#ifndef __has_feature
+#define __has_feature(name) 0
+#endif
+#if !__has_feature(thread_sanitizer)
 void* operator new(size_t size) {
   if (void* const block = std::malloc(size)) {
     return block;
@@ -161,6 +166,7 @@ void operator delete(void* block) noexcept {
 void operator delete(void* block, size_t) noexcept {
   std::free(block);
 }
+#endif
 
 namespace {
 
