@@ -46,6 +46,8 @@ function(zot_library stem name)
     add_library(${stem} SHARED $<TARGET_OBJECTS:${stem}_objects>)
     target_link_options(${stem} PRIVATE
       "LINKER:--version-script=${version_script}" "LINKER:-Bsymbolic-functions")
+    # A thread that outlives the last dlclose() still ends in the library.
+    target_link_options(${stem} PRIVATE "LINKER:-z,nodelete")
     # Sanitizers refuse -z,defs: their run-time is linked into the program only.  An
     # embedding project may have switched one on anywhere.
     if(PROJECT_IS_TOP_LEVEL AND NOT ZOT_SANITIZED)
