@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "ipaddr/ZotIpAddr.h"
 #include "mif/Mif32.h"
+#include "mif/MifRecord.h"
 #include "tests/mif/MifBytes.h"
 
 namespace {
@@ -62,6 +64,25 @@ std::string answers(const std::string& bytes, unsigned short oid, uint32_t occur
 const std::string kUntouched =
     "int 0 ####, int64 0 ########, str 0 ########, bin 0 ######## 8, ptr 0 -1 77, ";
 const std::string kMissing = kUntouched + "addr 0 , v4 0 0.0.0.0";
+
+TEST(RecordWalk, GivesRecordsByValueAndTellsItsEnd) {
+  static_assert(std::input_iterator<MifRecords::iterator>);
+  const std::string bytes = rec(1, "a") + rec(2, "bc", 9);
+  const MifRecords records(bytesOf(bytes), bytes.size());
+  auto at = records.begin();
+  const MifRecord& first = *at++;
+  const MifRecord& second = *at++;
+  EXPECT_EQ(1, first.oid);
+  EXPECT_TRUE(first.complete());
+  EXPECT_EQ(2, second.oid);
+  EXPECT_EQ(2u, second.available);
+  EXPECT_FALSE(second.complete());
+  EXPECT_EQ(records.end(), at);
+  EXPECT_EQ(bytes.size() + 7, at.offset()) << "where the last length leads";
+  EXPECT_EQ(at.offset(), records.endOffset());
+  EXPECT_EQ(5u, records.find(2, 1)->offset);
+  EXPECT_FALSE(records.find(1, 0));
+}
 
 TEST(RawAccess, AnswersByTheValueAndItsLength) {
   const struct {
