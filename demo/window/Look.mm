@@ -39,7 +39,7 @@ NSImage* drawnImage(NSSize size, void (*draw)(NSRect)) {
   [image lockFocus];
   draw(NSMakeRect(0, 0, size.width, size.height));
   [image unlockFocus];
-  return [image autorelease];
+  return image;
 }
 
 // Room to the right keeps the box and its title apart.
