@@ -7,6 +7,7 @@
 
 #include "tools/common/Output.h"
 #include "tools/common/Progress.h"
+#include "tools/common/Text.h"
 
 namespace tool {
 
@@ -26,6 +27,22 @@ int complain(const std::string& message) {
 
 int complain(const std::string& program, const std::string& message) {
   return complain(program + ": " + message);
+}
+
+// What is wrong with a command line, and where help on it is: at the subcommand it got to.
+int complainOf(const CLI::ParseError& error, const CLI::App& app) {
+  const CLI::App* command = &app;
+  std::string path = app.get_name();
+  while (!command->get_subcommands().empty()) {
+    command = command->get_subcommands().front();
+    path += " " + command->get_name();
+  }
+  const std::vector<std::string> unknown = command->remaining();
+  const bool noSubcommand = command->get_require_subcommand_min() != 0 && !unknown.empty();
+  return complain(app.get_name(), fmt::format("{}\nTry '{} --help'.",
+                                              noSubcommand ? visible(unknown.front()) + " is no subcommand"
+                                                           : visible(error.what()),
+                                              path));
 }
 
 }  // namespace
@@ -58,7 +75,7 @@ int CommandLine::run(int argc, char** argv) {
     return std::cout.good() ? statusOf(Exit::Done)
                             : complain(program, "standard output could not be written");
   } catch (const CLI::ParseError& error) {
-    return complain(program, fmt::format("{}\nTry '{} --help'.", error.what(), program));
+    return complainOf(error, app_);
   }
   try {
     const Exit result = work_();
