@@ -97,6 +97,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const uint32_t ran = (statusToReturn & 0x7F) != 0 ? static_cast<uint32_t>(statusToReturn) : data[1];
   require(commandsRun == (command ? std::vector{*command} : std::vector<std::string>{}));
   require(code == (command ? ran : UINT32_MAX) && result == (code == 0 ? 1 : 0));
+  require(ZotOsCreateProcessSw(line.c_str(), flags) == result && ZotOsCreateProcess(line.c_str()) == result);
+  require(commandsRun.size() == (command ? 3 : 0));
+  require(ZotOsCreateProcess(nullptr) == 0 && ZotOsdGetPath(nullptr) == 0);
 
   if (line.size() < 1024) {
     char buffer[1024];
