@@ -86,11 +86,14 @@ void drawCross(NSRect rect) {
   [cross stroke];
 }
 
-// AppKit finds images by their names, the first one to have a name keeps it.
+// AppKit finds images by their names, and a name keeps none: these stay for good.
 void replaceImage(NSString* name, NSSize size, void (*draw)(NSRect)) {
+  static NSMutableArray* kept = [[NSMutableArray alloc] init];
   NSImage* before = [NSImage imageNamed:name];
   [before setName:nil];
-  [drawnImage(size, draw) setName:name];
+  NSImage* image = drawnImage(size, draw);
+  [kept addObject:image];
+  [image setName:name];
 }
 
 }  // namespace

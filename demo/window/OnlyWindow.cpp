@@ -7,7 +7,9 @@
 
 #include <filesystem>
 
+#include "Connection.h"
 #include "SharedLog.h"
+#include "os/ZotOsSystem.h"
 
 namespace {
 
@@ -20,12 +22,23 @@ bool isWindow(int process) {
   return failure == std::errc::permission_denied || its.starts_with(own);
 }
 
+bool lockInTime(int file) {
+  const Deadline deadline(std::chrono::seconds(2));
+  while (flock(file, LOCK_EX | LOCK_NB) != 0) {
+    if (deadline.over()) {
+      return false;
+    }
+    ZotOsSleep(20);
+  }
+  return true;
+}
+
 }  // namespace
 
 OnlyWindow::OnlyWindow(const std::string& directory) {
   // Windows that start at the same moment look one after the other.
   const int lock = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (lock < 0 || flock(lock, LOCK_EX) != 0 || ZotOsMutexCreate(&mutex_, kWindowMutexKey) == 0) {
+  if (lock < 0 || !lockInTime(lock) || ZotOsMutexCreate(&mutex_, kWindowMutexKey) == 0) {
     close(lock);
     return;
   }

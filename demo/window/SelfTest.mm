@@ -221,6 +221,18 @@ void checkColumns(Report& report, int language, ZOTMultiLang* expected, NSView* 
   }
 }
 
+void checkCells(Report& report, int language, TextTable* table) {
+  for (NSUInteger i = 0; i < [[table rows] count]; ++i) {
+    NSArray* row = [[table rows] objectAtIndex:i];
+    for (NSUInteger j = 0; j < [row count]; ++j) {
+      NSTableColumn* column = [[table columns] objectAtIndex:j];
+      NSCell* cell = [[[column dataCell] copy] autorelease];
+      [cell setStringValue:[row objectAtIndex:j]];
+      fits(report, language, table, [cell stringValue], [cell cellSize].width, [column width]);
+    }
+  }
+}
+
 void checkTitles(Report& report, int language, ZOTMultiLang* expected, NSView* parent) {
   NSEnumerator* views = [[parent subviews] objectEnumerator];
   for (NSControl* view; (view = [views nextObject]) != nil;) {
@@ -286,6 +298,8 @@ void checkLanguages(Report& report, SettingsWindow* settings, NSString* director
     NSControl* beside = [content viewWithTag:kLanguage];
     fits(report, language, [settings tabView], [beside stringValue], widthOfTabs([settings tabView]),
          NSMinX([beside frame]) - NSMinX([[settings tabView] frame]));
+    checkCells(report, language, [[settings systemTab] words]);
+    checkCells(report, language, [[settings systemTab] slots]);
     Sentences sentences = {&report, settings, expected, language};
     forEachText(checkSentence, &sentences);
     report.check([[name stringValue] isEqual:text(kTyped[kName])], "language %d: what was typed is gone",

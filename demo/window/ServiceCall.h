@@ -15,6 +15,7 @@
 
 // Sends done to owner, which it does not retain, on the main thread after every call.
 - (id)initWithSocket:(const std::string&)socketPath owner:(id)target done:(SEL)action;
+// Not while a call is under way.
 - (void)dealloc;
 
 // NO while a call is under way, or when no thread can be had.

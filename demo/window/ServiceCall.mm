@@ -1,6 +1,7 @@
 #import "ServiceCall.h"
 
 #include "Connection.h"
+#include "os/ZotOsSystem.h"
 #include "os/ZotOsThread.h"
 
 struct Exchange {
@@ -37,7 +38,8 @@ Outcome run(Exchange* exchange, const uint32_t* state) {
 }  // namespace
 
 @interface ServiceCall (Worker)
-- (void)work;
+// Returns the state word, which stays until it is 0.
+- (uint32_t*)work;
 - (void)finish;
 @end
 
@@ -46,8 +48,10 @@ namespace {
 void* runCall(void* call) {
   // Foundation has to know a thread that it did not make.
   GSRegisterCurrentThread();
-  [(ServiceCall*)call work];
+  uint32_t* state = [(ServiceCall*)call work];
   GSUnregisterCurrentThread();
+  // The last that is done: whoever waits for it may then end the program.
+  __atomic_store_n(state, 0, __ATOMIC_RELEASE);
   return nullptr;
 }
 
@@ -81,13 +85,7 @@ void* runCall(void* call) {
   const auto* first = static_cast<const unsigned char*>([bytes bytes]);
   exchange->message.assign(first, first + [bytes length]);
   exchange->answer.clear();
-  // The worker keeps this object until it has ended.
-  [self retain];
-  if (ZotOsThreadStart(nullptr, &state, runCall, self) == 0) {
-    [self release];
-    return NO;
-  }
-  return YES;
+  return ZotOsThreadStart(nullptr, &state, runCall, self) != 0;
 }
 
 - (void)stop {
@@ -108,16 +106,20 @@ void* runCall(void* call) {
 
 @implementation ServiceCall (Worker)
 
-- (void)work {
+- (uint32_t*)work {
   NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
   exchange->outcome = run(exchange, &state);
-  __atomic_store_n(&state, 0, __ATOMIC_RELEASE);
+  // This keeps the object until finish has run.
   [self performSelectorOnMainThread:@selector(finish) withObject:nil waitUntilDone:NO];
-  [self release];
   [pool release];
+  return &state;
 }
 
 - (void)finish {
+  // The worker is on its last steps.
+  while ([self isUnderWay]) {
+    ZotOsSleep(1);
+  }
   [owner performSelector:done];
 }
 

@@ -14,6 +14,7 @@
 - (id)initWithLog:(SharedLog*)shared;
 - (void)dealloc;
 
+- (TextTable*)words;
 - (TextTable*)slots;
 
 @end

@@ -23,9 +23,9 @@ static_assert(sizeof(SharedBlock) == 500);
 constexpr int kWordColumns[] = {kWordColumn, kValueColumn, kMeaningColumn};
 constexpr int kSlotColumns[] = {kSlotColumn, kIdentifierColumn, kReferencesColumn, kValueColumn,
                                 kObjectColumn};
-constexpr const char* kWordSamples[] = {"000", "0x00000000", "Referencias a semaforos con nombre"};
+constexpr const char* kWordSamples[] = {"000", "0x00000000", "References to named semaphores, and more"};
 constexpr const char* kSlotSamples[] = {"00", "0000000000", "00", "00",
-                                        "Evento: un perfil fue aplicado, o otro"};
+                                        "Event: a profile was applied, and more"};
 constexpr CGFloat kWordsHeight = 120;  // the header and five rows
 constexpr CGFloat kSlotsHeight = 130;
 
@@ -75,6 +75,10 @@ NSString* number(long long value) {
 
 - (NSInteger)element {
   return kSystemTab;
+}
+
+- (TextTable*)words {
+  return words;
 }
 
 - (TextTable*)slots {
