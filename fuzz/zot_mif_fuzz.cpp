@@ -4,35 +4,13 @@
 #include <cstdlib>
 #include <string>
 
-#include "tools/common/Output.h"
-#include "tools/mif/Commands.h"
-#include "tools/mif/Written.h"
+#include "tests/tools/mif/WrittenForms.h"
 
 namespace {
 
-using Buffer = std::vector<unsigned char>;
-
-tool::Input inputOf(std::string& text) {
-  // A stream over memory of no bytes is refused.
-  text += '\n';
-  return {fmemopen(text.data(), text.size(), "r"), "input"};
-}
-
-std::string written(const mif::Message& message, const mif::View& view, bool json) {
-  char* text = nullptr;
-  size_t size = 0;
-  std::FILE* const stream = open_memstream(&text, &size);
-  tool::Output output(stream, false);
-  if (json) {
-    writeJson(message, view, output);
-  } else {
-    writeText(message, view, [&](const std::string& line) { output.write(line + "\n"); });
-  }
-  std::fclose(stream);
-  const std::string result(text, size);
-  std::free(text);
-  return result;
-}
+using zot_test::Buffer;
+using zot_test::inputOf;
+using zot_test::written;
 
 // A buffer without fault is records up to an end marker that is its last two bytes.
 void expectFaultIsTold(const mif::Message& message) {
@@ -67,16 +45,6 @@ auto unlessRefused(Read read) -> std::optional<decltype(read())> {
   }
 }
 
-// Every kind under an OID of its own.
-mif::Fields allKinds() {
-  std::string lines;
-  for (int kind = 0; kind <= static_cast<int>(mif::Kind::Key); ++kind) {
-    lines += fmt::format("{} name{} {}\n", kind, kind, nameOf(static_cast<mif::Kind>(kind)));
-  }
-  tool::Input input = inputOf(lines);
-  return mif::Fields(input);
-}
-
 }  // namespace
 
 // The first byte: bit 0 the order, bit 1 passwords shown, bits 2 and up what the rest is.
@@ -84,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) {
     return 0;
   }
-  static const mif::Fields fields = allKinds();
+  static const mif::Fields fields = zot_test::allKinds();
   const std::endian order = (data[0] & 1) != 0 ? std::endian::big : std::endian::little;
   const mif::View view{fields, (data[0] & 2) != 0};
   std::string text(reinterpret_cast<const char*>(data + 1), size - 1);

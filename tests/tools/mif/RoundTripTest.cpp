@@ -4,13 +4,14 @@
 
 #include <random>
 
-#include "tools/common/Output.h"
-#include "tools/mif/Commands.h"
-#include "tools/mif/Written.h"
+#include "tests/tools/mif/WrittenForms.h"
 
 namespace {
 
-using Buffer = std::vector<unsigned char>;
+using zot_test::allKinds;
+using zot_test::Buffer;
+using zot_test::inputOf;
+using zot_test::written;
 
 class Generator {
  public:
@@ -75,36 +76,6 @@ class Generator {
   std::mt19937 random_;
 };
 
-tool::Input inputOf(std::string& text) {
-  return {fmemopen(text.data(), text.size(), "r"), "written"};
-}
-
-std::string written(const mif::Message& message, const mif::View& view, bool json) {
-  char* text = nullptr;
-  size_t size = 0;
-  std::FILE* const stream = open_memstream(&text, &size);
-  tool::Output output(stream, false);
-  if (json) {
-    mif::writeJson(message, view, output);
-  } else {
-    mif::writeText(message, view, [&](const std::string& line) { output.write(line + "\n"); });
-  }
-  std::fclose(stream);
-  const std::string result(text, size);
-  std::free(text);
-  return result;
-}
-
-// Every OID below 14 has a kind of its own.
-mif::Fields allKinds() {
-  std::string lines;
-  for (int kind = 0; kind <= static_cast<int>(mif::Kind::Key); ++kind) {
-    lines += fmt::format("{} name{} {}\n", kind, kind, nameOf(static_cast<mif::Kind>(kind)));
-  }
-  tool::Input input = inputOf(lines);
-  return mif::Fields(input);
-}
-
 TEST(ZotMif, BuildsTheBytesThatWereDumped) {
   const mif::Fields kinds = allKinds();
   const mif::Fields none;
@@ -158,7 +129,7 @@ TEST(ZotMif, ShowsEveryKindInItsOwnText) {
   for (size_t at; (at = shown.find("  #")) != shown.npos;) {
     shown.erase(at, shown.find('\n', at) - at);
   }
-  EXPECT_EQ(text, shown);
+  EXPECT_EQ(text, shown + "\n");
 }
 
 }  // namespace
