@@ -27,6 +27,20 @@ bool matches(std::string_view name, std::string_view pattern) {
          name.ends_with(pattern.substr(star + 1));
 }
 
+// Looks at an entry by its path, a link followed.  An absolute path leads to the directory
+// that is open, from where the way is shorter; a relative one depends on where the process
+// is now, and a cut one names something else.
+bool examine(const ZotOsFindData& find, const char* name, struct stat& status) {
+  if (find.path[0] == '/' && std::strlen(find.path) + 1 + std::strlen(name) < ZOT_OS_FIND_TEXT) {
+    return fstatat(dirfd(find.dir), name, &status, 0) == 0;
+  }
+  char path[ZOT_OS_FIND_TEXT];
+  strcpy_zot(path, sizeof path, find.path);
+  strcat_zot(path, sizeof path, "/");
+  strcat_zot(path, sizeof path, name);
+  return stat(path, &status) == 0;
+}
+
 // Fills path and pattern; false when the text has no star and names nothing.
 bool splitSearch(const char* text, ZotOsFindData& find) {
   if (std::strchr(text, '*') == nullptr) {
@@ -118,12 +132,8 @@ uint32_t ZotOsFindNext(ZotOsFindData* find, char* name, uint32_t* type, uint32_t
     return 0;
   }
   strcpy_zot(name, ZOT_OS_FIND_TEXT, entry->d_name);
-  char path[ZOT_OS_FIND_TEXT];
-  strcpy_zot(path, sizeof path, find->path);
-  strcat_zot(path, sizeof path, "/");
-  strcat_zot(path, sizeof path, name);
   struct stat status;
-  if (stat(path, &status) != 0) {
+  if (!examine(*find, name, status)) {
     return 0;
   }
   if (type != nullptr) {
