@@ -34,10 +34,8 @@ inline uint64_t allocationsSoFar() {
 template <typename Prepare, typename Operation>
 void countOperations(benchmark::State& state, int rounds, int operations, Prepare prepare,
                      Operation operation) {
-  for (int warm = 0; warm < 3; ++warm) {
-    prepare();
-    operation();
-  }
+  prepare();
+  operation();  // once uncounted: what only a first call needs
   uint64_t allocations = 0;
   for (int round = 0; round < rounds; ++round) {
     prepare();
