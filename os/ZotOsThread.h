@@ -3,7 +3,8 @@
 // A thread is known by a 32-bit handle, never 0, that belongs to it alone while
 // it lives.  A thread ends by returning, by ZotOsThreadEnd or by being cancelled;
 // nobody joins it.  It is cancelled in waits and sleeps, and within no other call of this
-// library.  Cancelling and ZotOsThreadEnd unwind the thread's functions: a C++
+// library: a worker with neither calls pthread_testcancel where it may be ended.
+// Cancelling and ZotOsThreadEnd unwind the thread's functions: a C++
 // worker must have no noexcept on that path and no catch (...) that does not rethrow.
 //
 // A state word, 32 bits and owned by the caller, is shared with the worker:
