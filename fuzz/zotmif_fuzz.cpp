@@ -4,6 +4,7 @@
 
 #include "MifModel.h"
 #include "ipaddr/ZotIpAddr.h"
+#include "mif/MifRecord.h"
 #include "mif/zotmif.h"
 
 namespace {
@@ -19,6 +20,22 @@ struct Wanted {
   std::string value(size_t count) const { return peek(bytes, record->offset, count); }
   bool whole() const { return record && has(record->length); }
 };
+
+void walk(const Block& buf, const Wanted& wanted) {
+  const ModelWalk expected(wanted.bytes);
+  const MifRecords records(buf.get(), buf.size());
+  auto at = records.begin();
+  for (const ModelRecord& record : expected.records) {
+    require(at != records.end() && at->oid == record.oid && at->length == record.length, "a record");
+    const MifRecord shown = *at++;
+    const size_t available = wanted.bytes.size() - record.offset;
+    require(shown.valueOffset() == record.offset && shown.value == buf.get() + record.offset, "its place");
+    require(shown.available == std::min<size_t>(available, record.length), "its bytes");
+    require(shown.complete() == (available >= record.length), "whether all are there");
+  }
+  require(at == records.end() && at.offset() == expected.end && records.endOffset() == expected.end,
+          "the end");
+}
 
 void numbers(const Block& buf, const Wanted& wanted) {
   uint32_t number = 77;
@@ -161,6 +178,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   wanted.bytes = script.rest();
   wanted.record = ModelWalk(wanted.bytes).find(wanted.oid, wanted.occurrence);
   const Block buf(wanted.bytes);
+  walk(buf, wanted);
   numbers(buf, wanted);
   bytes(buf, wanted, room);
   addresses(buf, wanted);
