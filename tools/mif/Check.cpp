@@ -20,19 +20,27 @@ std::vector<tool::Finding> fieldFindings(const Message& message, const Fields& f
   return findings;
 }
 
-tool::Exit check(const CheckOptions& options, tool::Output& output) {
+tool::Exit check(const CheckOptions& options, tool::Output& output, tool::Output& errors) {
   const Fields fields = readFields(options.input.fields);
   tool::Report report(output, options.json);
+  bool trouble = false;
   for (const std::string& file : options.files) {
-    const Message message = readMessage(file, options.input);
-    for (const tool::Finding& finding : fieldFindings(message, fields)) {
-      report.add(file, finding);
-    }
-    if (const auto fault = message.fault()) {
-      report.add(file, *fault);
+    try {
+      const Message message = readMessage(file, options.input);
+      for (const tool::Finding& finding : fieldFindings(message, fields)) {
+        report.add(file, finding);
+      }
+      if (const auto fault = message.fault()) {
+        report.add(file, *fault);
+      }
+    } catch (const tool::Failure& failure) {  // the other files are still looked at
+      output.flush();
+      errors.print("{}\n", failure.what());
+      trouble = true;
     }
   }
-  return report.finish();
+  const tool::Exit result = report.finish();
+  return trouble ? tool::Exit::Trouble : result;
 }
 
 }  // namespace mif

@@ -59,12 +59,12 @@ struct CheckOptions {
 Message readMessage(const std::string& file, const InputOptions& options);
 Fields readFields(const std::string& file);
 
-// damage is told on `errors`, behind what could be shown.
+// What could not be shown or looked at is told on `errors`, behind what could.
 tool::Exit dump(const DumpOptions& options, tool::Output& output, tool::Output& errors);
 tool::Exit build(const BuildOptions& options);
 tool::Exit get(const GetOptions& options, tool::Output& output, tool::Output& errors);
 tool::Exit diff(const DiffOptions& options, tool::Output& output);
-tool::Exit check(const CheckOptions& options, tool::Output& output);
+tool::Exit check(const CheckOptions& options, tool::Output& output, tool::Output& errors);
 
 // What the fields say against a message.
 std::vector<tool::Finding> fieldFindings(const Message& message, const Fields& fields);

@@ -75,8 +75,9 @@ int main(int argc, char** argv) {
   tool::addJson(command, diff.json);
 
   mif::CheckOptions check;
-  command = line.add("check", "Tell what is wrong with buffers, and where",
-                     "zot-mif check --fields fields.txt *.mif", [&] { return mif::check(check, output); });
+  command =
+      line.add("check", "Tell what is wrong with buffers, and where",
+               "zot-mif check --fields fields.txt *.mif", [&] { return mif::check(check, output, errors); });
   command->add_option("FILE", check.files, "The files to read; - is standard input")
       ->type_name("...")
       ->required();
