@@ -265,7 +265,7 @@ void installLook() {
       {@"scrollBarColor", grey(0.95)},
       {@"controlDarkShadowColor", lineColor()},
       {@"selectedControlColor", accent()},
-      {@"selectedControlTextColor", [NSColor whiteColor]},
+      {@"selectedControlTextColor", grey(0.13)},
       {@"alternateSelectedControlColor", accent()},
       {@"secondarySelectedControlColor", accent()},
       {@"selectedTextBackgroundColor", markColor()},

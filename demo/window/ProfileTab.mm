@@ -249,6 +249,8 @@ constexpr Row kRows[] = {
 
 // A field that was left half filled is told; an empty one may still be filled.
 - (void)controlTextDidEndEditing:(NSNotification*)note {
+  // The frame of the field that is edited has a colour of its own.
+  [page setNeedsDisplay:YES];
   for (const Row& row : kRows) {
     if (fields[row.first] == [note object] || fields[row.last] == [note object]) {
       const Fault fault = [profile faultOf:row.oid];
