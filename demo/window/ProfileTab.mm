@@ -132,6 +132,7 @@ constexpr Row kRows[] = {
   }
   if (first != nullptr) {
     [[page window] makeFirstResponder:fields[first->first]];
+    [page setNeedsDisplay:YES];
   }
   return first != nullptr;
 }

@@ -132,6 +132,26 @@ void press(NSWindow* window, NSString* key) {
   pump([&] { return [NSApp currentEvent] == event; });
 }
 
+// By the mouse.
+void click(NSView* view) {
+  NSWindow* window = [view window];
+  const NSRect bounds = [view bounds];
+  const NSPoint place = [view convertPoint:NSMakePoint(NSMidX(bounds), NSMidY(bounds)) toView:nil];
+  for (const NSEventType kind : {NSLeftMouseDown, NSLeftMouseUp}) {
+    [NSApp postEvent:[NSEvent mouseEventWithType:kind
+                                        location:place
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:[window windowNumber]
+                                         context:nil
+                                     eventNumber:0
+                                      clickCount:1
+                                        pressure:0]
+             atStart:NO];
+  }
+  pump([&] { return [[NSApp currentEvent] type] == NSLeftMouseUp; });
+}
+
 void chooseLanguage(SettingsWindow* settings, int number) {
   NSPopUpButton* languages = [settings languages];
   [languages selectItemAtIndex:[languages indexOfItemWithTag:number]];
@@ -333,7 +353,7 @@ void checkTyping(Report& report, SettingsWindow* settings) {
   for (NSUInteger i = 0; i < kOptionCount; ++i) {
     NSButton* option = [[tab view] viewWithTag:kFirstOption + static_cast<NSInteger>(i)];
     if ([option state] != ((5u >> i & 1) != 0 ? NSOnState : NSOffState)) {
-      [option performClick:nil];
+      click(option);
     }
   }
   // Tab goes from field to field.
