@@ -119,6 +119,7 @@ bool byKey(const Entry* a, const Entry* b) {
 // The entries of one side, to be found by their key.
 std::vector<const Entry*> sorted(const std::vector<Entry>& entries) {
   std::vector<const Entry*> pointers;
+  pointers.reserve(entries.size());
   for (const Entry& entry : entries) {
     pointers.push_back(&entry);
   }
