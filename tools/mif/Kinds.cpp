@@ -19,27 +19,27 @@ using Value = std::vector<unsigned char>;
 using MaybeValue = std::optional<Value>;
 
 struct Description {
-  Kind kind;
   std::string_view name;
   std::string_view lengths;  // empty: any
   std::array<int, 3> accepted;
+  Kind kind;
 };
 
 constexpr Description kKinds[] = {
-    {Kind::Int, "int", "4 bytes", {4, 4, 4}},
-    {Kind::Int64, "int64", "4 or 8 bytes", {4, 8, 8}},
-    {Kind::Time, "time", "4 bytes", {4, 4, 4}},
-    {Kind::Text, "text", "", {}},
-    {Kind::Hex, "bytes", "", {}},
-    {Kind::Ip, "ip", "4 bytes", {4, 4, 4}},
-    {Kind::IpRange, "ip-range", "8 bytes", {8, 8, 8}},
-    {Kind::IpNet, "ip-net", "0, 4 or 16 bytes", {0, 4, 16}},
-    {Kind::Mac, "mac", "6 bytes", {6, 6, 6}},
-    {Kind::MacRange, "mac-range", "12 bytes", {12, 12, 12}},
-    {Kind::WordRange, "word-range", "4 bytes", {4, 4, 4}},
-    {Kind::ByteRange, "byte-range", "2 bytes", {2, 2, 2}},
-    {Kind::Password, "password", "", {}},
-    {Kind::Key, "key", "16 bytes", {16, 16, 16}},
+    {"int", "4 bytes", {4, 4, 4}, Kind::Int},
+    {"int64", "4 or 8 bytes", {4, 8, 8}, Kind::Int64},
+    {"time", "4 bytes", {4, 4, 4}, Kind::Time},
+    {"text", "", {}, Kind::Text},
+    {"bytes", "", {}, Kind::Hex},
+    {"ip", "4 bytes", {4, 4, 4}, Kind::Ip},
+    {"ip-range", "8 bytes", {8, 8, 8}, Kind::IpRange},
+    {"ip-net", "0, 4 or 16 bytes", {0, 4, 16}, Kind::IpNet},
+    {"mac", "6 bytes", {6, 6, 6}, Kind::Mac},
+    {"mac-range", "12 bytes", {12, 12, 12}, Kind::MacRange},
+    {"word-range", "4 bytes", {4, 4, 4}, Kind::WordRange},
+    {"byte-range", "2 bytes", {2, 2, 2}, Kind::ByteRange},
+    {"password", "", {}, Kind::Password},
+    {"key", "16 bytes", {16, 16, 16}, Kind::Key},
 };
 
 const Description& describe(Kind kind) {
