@@ -106,7 +106,7 @@ TEST(LogLine, IsCutAtItsBuffer) {
               captured([&] { ZotOsvLog(pstLog, 4, "%s", text.c_str()); }).out.substr(24));
   }
   const char* const none = nullptr;
-  EXPECT_EQ("\n", captured([&] { ZotOsvLog(pstLog, 4, none); }).out.substr(24));
+  EXPECT_EQ("\n", captured([&] { ZotOsvLog(pstLog, 4, none, 0); }).out.substr(24));
 }
 
 TEST(LogLine, GoesToAStreamWithoutADescriptor) {
