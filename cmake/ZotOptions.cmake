@@ -29,12 +29,14 @@ check_language(OBJCXX)
 set(possible OFF)
 if(CMAKE_OBJC_COMPILER AND CMAKE_OBJCXX_COMPILER)
   find_package(GNUstep QUIET)
-  set(possible ${GNUstep_FOUND})
+  if(GNUstep_FOUND AND EXISTS "${GNUstep_INCLUDE_DIR}/AppKit/NSView.h")  # for ZOTMultiLang's sources
+    set(possible ON)
+  endif()
 endif()
 option(ZOT_OBJECTS "Build ZOTMifBuffer and ZOTMultiLang" ${possible})
 if(ZOT_OBJECTS AND NOT possible)
   message(FATAL_ERROR "The object classes need an Objective-C++ compiler and GNUstep's headers and library. "
-    "Install the packages gobjc++ and libgnustep-base-dev, or leave the classes out with -DZOT_OBJECTS=OFF. "
+    "Install the packages gobjc++, libgnustep-base-dev and libgnustep-gui-dev, or leave the classes out with -DZOT_OBJECTS=OFF. "
     "(Objective-C: ${CMAKE_OBJC_COMPILER}, Objective-C++: ${CMAKE_OBJCXX_COMPILER}, "
     "Foundation: ${GNUstep_INCLUDE_DIR}, ${GNUstep_BASE_LIBRARY}, run-time: ${GNUstep_OBJC_LIBRARY})")
 endif()
