@@ -131,7 +131,10 @@ constexpr Row kRows[] = {
     }
   }
   if (first != nullptr) {
-    [[page window] makeFirstResponder:fields[first->first]];
+    // Once the button is done, which takes the keyboard when the mouse has pressed it.
+    [[page window] performSelector:@selector(makeFirstResponder:)
+                        withObject:fields[first->first]
+                        afterDelay:0];
     [page setNeedsDisplay:YES];
   }
   return first != nullptr;

@@ -137,19 +137,20 @@ void click(NSView* view) {
   NSWindow* window = [view window];
   const NSRect bounds = [view bounds];
   const NSPoint place = [view convertPoint:NSMakePoint(NSMidX(bounds), NSMidY(bounds)) toView:nil];
+  NSEvent* event = nil;
   for (const NSEventType kind : {NSLeftMouseDown, NSLeftMouseUp}) {
-    [NSApp postEvent:[NSEvent mouseEventWithType:kind
-                                        location:place
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:[window windowNumber]
-                                         context:nil
-                                     eventNumber:0
-                                      clickCount:1
-                                        pressure:0]
-             atStart:NO];
+    event = [NSEvent mouseEventWithType:kind
+                               location:place
+                          modifierFlags:0
+                              timestamp:0
+                           windowNumber:[window windowNumber]
+                                context:nil
+                            eventNumber:0
+                             clickCount:1
+                               pressure:0];
+    [NSApp postEvent:event atStart:NO];
   }
-  pump([&] { return [[NSApp currentEvent] type] == NSLeftMouseUp; });
+  pump([&] { return [NSApp currentEvent] == event; });
 }
 
 void chooseLanguage(SettingsWindow* settings, int number) {
@@ -402,7 +403,9 @@ void checkFaults(Report& report, SettingsWindow* settings) {
   Texts* texts = [settings texts];
   for (const auto& wrong : kWrong) {
     type(settings, wrong.entry, text(wrong.wrong));
-    [button(settings, kApply) performClick:nil];
+    click(button(settings, kApply));
+    report.check(pump([&] { return [[[settings window] firstResponder] isKindOfClass:[NSText class]]; }),
+                 "\"%s\" in field %d: the cursor is nowhere", wrong.wrong, wrong.entry);
     NSString* told = [[[settings profileTab] hintOf:wrong.oid] stringValue];
     report.check([told isEqual:[texts textOf:wrong.element sub:wrong.subElement]] &&
                      [[[settings status] stringValue] isEqual:[texts textOf:kOutcomes sub:kFaultyFields]],
