@@ -132,12 +132,14 @@ constexpr Row kRows[] = {
   }
   if (first != nullptr) {
     // Once the button is done, which takes the keyboard when the mouse has pressed it.
-    [[page window] performSelector:@selector(makeFirstResponder:)
-                        withObject:fields[first->first]
-                        afterDelay:0];
-    [page setNeedsDisplay:YES];
+    [self performSelector:@selector(editField:) withObject:fields[first->first] afterDelay:0];
   }
   return first != nullptr;
+}
+
+- (void)editField:(NSTextField*)field {
+  [[page window] makeFirstResponder:field];
+  [page setNeedsDisplay:YES];
 }
 
 - (void)showTexts:(Texts*)texts {
