@@ -3,6 +3,7 @@
 #include <sys/time.h>
 #include <syslog.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <memory>
 #include <thread>
