@@ -72,6 +72,16 @@ class Lines {
     }
   }
 
+  template <class Tell>
+  void forEachContext(Tell tell) const {
+    constexpr std::string_view before = "msgctxt\"";
+    for (const auto& [key, line] : found_) {
+      if (key.starts_with(before)) {
+        tell(key.substr(before.size()), line);
+      }
+    }
+  }
+
   // 0 when it is not there.
   uint64_t of(std::string_view keyword, std::string_view text) const {
     const auto found = found_.find(std::string(keyword) + '"' + std::string(text));
@@ -94,7 +104,8 @@ void tellMessages(Texts& texts, std::string_view messages) {
       const size_t end = line.find(':');
       number = tool::numberFrom(line.substr(0, end), UINT32_MAX).value_or(0);
       line.remove_prefix(number != 0 ? end + 1 : 0);
-      line.remove_prefix(std::min(line.size(), line.find_first_not_of(' ')));
+      // Some have a column too.
+      line.remove_prefix(std::min(line.size(), line.find_first_not_of("0123456789: ")));
     } else if (line.find("fatal error") != line.npos) {
       continue;  // counts the lines before
     }
@@ -154,6 +165,7 @@ void takeMessage(Texts& texts, const Message& message, const Decoder& decode, co
   const auto bytes = takeText(message, decode, &reason);
   if (!bytes) {
     tell(reason);
+    texts.refused.insert(*place);
   } else if (!texts.texts.try_emplace(*place, Text{*bytes, line}).second) {
     tell("stands there a second time");
   }
@@ -185,11 +197,19 @@ void takeMessages(Texts& texts, std::string_view compiled, std::string_view line
   }
   texts.order = orderFrom(headerField(fields, "X-Byte-Order"));
   const Lines lineOf(lines);
+  lineOf.forEachContext([&](std::string_view context, uint64_t line) {
+    if (const auto place = placeFrom(context); place) {
+      texts.lines[*place] = line;
+    }
+  });
   for (const Message& message : messages) {
     if (message.hasContext || !message.source.empty()) {
       takeMessage(texts, message, decode, lineOf);
     }
   }
+  // Compiled messages stand in the order of their bytes.
+  std::stable_sort(texts.damage.begin(), texts.damage.end(),
+                   [](const auto& one, const auto& other) { return one.place < other.place; });
 }
 
 Texts readCatalogue(const std::string& file, std::string_view bytes) {
@@ -210,6 +230,7 @@ Texts readCatalogue(const std::string& file, std::string_view bytes) {
   if (run.succeeded) {
     takeMessages(texts, run.output, bytes);
   } else {
+    texts.isRead = false;
     tellMessages(texts, run.messages);
     if (texts.damage.empty()) {
       texts.damage.push_back({"gettext cannot read it and says nothing about it"});

@@ -22,8 +22,13 @@ Texts readCatalogue(const std::string& file, std::string_view bytes);
 // Takes the texts of a compiled catalogue.  lines: of the catalogue, to find places in.
 void takeMessages(Texts& texts, std::string_view compiled, std::string_view lines);
 
+// Whether gettext takes the text: it parts contexts from texts with a byte 4.
+inline bool fitsCatalogue(std::string_view text) {
+  return text.find('\4') == text.npos;
+}
+
 // reference: null, or the texts that are being translated; what the texts lack of it is
-// left to be translated.
+// left to be translated.  Texts that gettext refuses are left out.
 void writeCatalogue(const Texts& texts, const Texts* reference, tool::Output& output);
 
 }  // namespace lang

@@ -27,11 +27,36 @@ struct DumpOptions {
   bool json = false;
 };
 
+struct CheckOptions {
+  std::vector<std::string> files;
+  std::string against;
+  std::string order;
+  bool json = false;
+};
+
+struct WhichOptions {
+  std::string directory;
+  std::string base;
+  std::string name;      // of the file itself
+  std::string language;  // a number, or a code as preferences have them
+  bool json = false;
+};
+
+struct StatsOptions {
+  std::vector<std::string> files;
+  std::string against;
+  bool json = false;
+};
+
 // What keeps a file from being built is told on `errors`; then none is written.
 tool::Exit build(const BuildOptions& options, tool::Output& errors);
 
 // What the listing, or a file built of it, lacks is told on `errors`.
 tool::Exit dump(const DumpOptions& options, tool::Output& output, tool::Output& errors);
+
+tool::Exit check(const CheckOptions& options, tool::Output& output);
+tool::Exit which(const WhichOptions& options, tool::Output& output);
+tool::Exit stats(const StatsOptions& options, tool::Output& output, tool::Output& errors);
 
 }  // namespace lang
 

@@ -18,7 +18,7 @@ void writeTable(const Texts& texts, tool::Output& output) {
   }
   for (const auto& [place, text] : texts.texts) {
     output.print("{}  {:<16} {}\n", output.paint(tool::Colour::Dim, fmt::format("{:>8}", text.at)),
-                 nameOf(place), tool::visible(tool::utf8FromLatin1(text.bytes)));
+                 nameOf(place), shownText(text.bytes));
   }
 }
 

@@ -11,6 +11,7 @@
 #include "tools/common/Failure.h"
 #include "tools/common/Progress.h"
 #include "tools/common/Text.h"
+#include "tools/lang/Catalogue.h"
 #include "tools/lang/Languages.h"
 
 namespace lang {
@@ -48,6 +49,7 @@ class Reader {
 
   void read(std::optional<std::endian> order) {
     if (!hasHeader()) {
+      texts_.isRead = false;
       return;
     }
     texts_.order = order ? *order : likelyOrder();
@@ -102,8 +104,18 @@ class Reader {
     return turned(value, *texts_.order);
   }
 
-  void damage(uint64_t at, std::string text) { texts_.damage.push_back({std::move(text), at}); }
-  void notKept(uint64_t at, std::string text) { texts_.notKept.push_back({std::move(text), at}); }
+  void damage(uint64_t at, std::string text) { tell(texts_.damage, at, std::move(text)); }
+  void notKept(uint64_t at, std::string text) { tell(texts_.notKept, at, std::move(text)); }
+
+  // A file may have a million of a kind; nobody reads so many, nor is there room for them.
+  static void tell(std::vector<tool::Finding>& findings, uint64_t at, std::string text) {
+    constexpr size_t kMost = 1000;
+    if (findings.size() < kMost) {
+      findings.push_back({std::move(text), at});
+    } else if (findings.size() == kMost) {
+      findings.push_back({"and more from here on", at});
+    }
+  }
 
   // False when nothing behind this form is worth reading.
   bool readForm(uint64_t at) {
@@ -134,9 +146,10 @@ class Reader {
                                  bytes_.size() - text - kSizeField, size));
         return true;
       }
-      // More records than fit side by side: texts that several forms share could be
-      // multiplied without end.
-      if (++records_ > bytes_.size() / kSizeField) {
+      // Records that cannot all stand side by side: texts that several forms share could
+      // be multiplied without end.
+      recordBytes_ += kSizeField + size;
+      if (recordBytes_ > bytes_.size()) {
         damage(at, "the forms share their texts");
         return false;
       }
@@ -155,18 +168,19 @@ class Reader {
     const auto length = static_cast<unsigned char>(record.text[0]);
     const std::string inFile(record.text + 1, strnlen(record.text + 1, length));
     std::string text = resolved_(inFile);
-    if (texts_.texts.contains(place)) {
-      notKept(at,
-              fmt::format("{} stands there a second time, and only the first is ever shown", nameOf(place)));
-    } else if (text.empty()) {
-      notKept(at, fmt::format("{} is empty, and a catalogue takes that for a missing text", nameOf(place)));
-      empty_.insert(place);
-    } else if (empty_.contains(place)) {
-      notKept(at,
-              fmt::format("{} stands there a second time, and only the first is ever shown", nameOf(place)));
-    } else {
-      texts_.texts[place] = {std::move(text), at};
+    const auto tell = [&](const char* what) { notKept(at, fmt::format("{} {}", nameOf(place), what)); };
+    if (!places_.insert(place).second) {
+      tell("stands there a second time, and only the first is ever shown");
+      return;
     }
+    if (text.empty()) {
+      tell("is empty, and a catalogue takes that for a missing text");
+      return;
+    }
+    if (!fitsCatalogue(text)) {
+      tell("has a byte 4, which gettext refuses");
+    }
+    texts_.texts[place] = {std::move(text), at};
   }
 
   Texts& texts_;
@@ -174,8 +188,8 @@ class Reader {
   tool::Progress progress_;
   Resolver resolved_;
   std::set<uint32_t> forms_;
-  std::set<Place> empty_;
-  uint64_t records_ = 0;
+  std::set<Place> places_;
+  uint64_t recordBytes_ = 0;
 };
 
 class Writer {

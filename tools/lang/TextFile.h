@@ -9,7 +9,7 @@
 
 namespace lang {
 
-constexpr uint64_t kLargestFile = 64 << 20;
+constexpr uint64_t kLargestFile = 16 << 20;
 
 // A text as it stands in a file, with its escapes; 255 bytes of them fit.
 std::string escaped(std::string_view text);

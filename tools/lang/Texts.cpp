@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "tools/common/Files.h"
+#include "tools/common/Text.h"
 #include "tools/lang/Catalogue.h"
 #include "tools/lang/TextFile.h"
 
@@ -38,6 +39,16 @@ std::optional<Place> placeFrom(std::string_view name) {
     at = behind;
   }
   return at == end ? std::optional(place) : std::nullopt;
+}
+
+std::string shownText(std::string_view latin1) {
+  std::string text;
+  for (; !latin1.empty(); latin1.remove_prefix(1)) {
+    text += latin1[0] == '\n'   ? "\\n"
+            : latin1[0] == '\t' ? "\\t"
+                                : tool::visible(tool::utf8FromLatin1(latin1.substr(0, 1)));
+  }
+  return text;
 }
 
 tool::Finding findingAt(const Texts& texts, uint64_t at, std::string text) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,12 +36,21 @@ struct Text {
 struct Texts {
   std::string file;  // as the user wrote it
   bool isCatalogue = false;
+  bool isRead = true;                  // false: nothing in it could be read
   uint32_t language = 0;               // 0: unknown
   std::optional<std::endian> order;    // of a language file, or that a catalogue asks for
   std::map<Place, Text> texts;         // without the empty ones of a catalogue
   std::vector<tool::Finding> damage;   // what is wrong with the file itself
   std::vector<tool::Finding> notKept;  // what a file built of these texts would lack
+
+  // Of a catalogue only: where each place stands, translated or not, and the places whose
+  // texts are told as damage.
+  std::map<Place, uint64_t> lines;
+  std::set<Place> refused;
 };
+
+// A text as people read it, in UTF-8 and one line.
+std::string shownText(std::string_view latin1);
 
 // A finding about a text in a file like `texts`.
 tool::Finding findingAt(const Texts& texts, uint64_t at, std::string text);

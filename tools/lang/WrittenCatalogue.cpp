@@ -34,7 +34,7 @@ std::string utf8(const std::string& latin1) {
 
 // gettext refuses pairs of which only one begins, or ends, with a newline.
 bool isPair(const std::string& source, const std::string& translation) {
-  return (source.front() == '\n') == (translation.front() == '\n') &&
+  return fitsCatalogue(source) && (source.front() == '\n') == (translation.front() == '\n') &&
          (source.back() == '\n') == (translation.back() == '\n');
 }
 
@@ -59,6 +59,9 @@ void writeCatalogue(const Texts& texts, const Texts* reference, tool::Output& ou
   const auto& sources = reference != nullptr ? reference->texts : none;
   writeHeader(texts, output);
   const auto write = [&](const Place& place, const std::string& source, const std::string& text) {
+    if (!fitsCatalogue(source) || !fitsCatalogue(text)) {
+      return;
+    }
     output.print("\nmsgctxt \"{}\"\nmsgid {}\nmsgstr {}\n", nameOf(place), quoted(utf8(source)),
                  quoted(utf8(text)));
   };
