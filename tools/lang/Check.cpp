@@ -44,7 +44,7 @@ void tell(tool::Report& report, const std::string& file, const Findings& finding
 
 }  // namespace
 
-tool::Exit check(const CheckOptions& options, tool::Output& output) {
+tool::Exit check(const CheckOptions& options, tool::Output& output, tool::Output& errors) {
   tool::Report report(output, options.json);
   const bool hasReference = !options.against.empty();
   Texts reference;
@@ -53,10 +53,18 @@ tool::Exit check(const CheckOptions& options, tool::Output& output) {
     tell(report, reference.file, reference.damage);
   }
   const auto order = orderFrom(options.order).value_or(std::endian::native);
+  bool trouble = false;
   for (const std::string& file : options.files) {
-    tell(report, file, findingsIn(readTexts(file), hasReference ? &reference : nullptr, order));
+    try {
+      tell(report, file, findingsIn(readTexts(file), hasReference ? &reference : nullptr, order));
+    } catch (const tool::Failure& failure) {  // the other files are still looked at
+      output.flush();
+      errors.print("{}\n", failure.what());
+      trouble = true;
+    }
   }
-  return report.finish();
+  const tool::Exit result = report.finish();
+  return trouble ? tool::Exit::Trouble : result;
 }
 
 }  // namespace lang

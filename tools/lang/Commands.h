@@ -54,7 +54,7 @@ tool::Exit build(const BuildOptions& options, tool::Output& errors);
 // What the listing, or a file built of it, lacks is told on `errors`.
 tool::Exit dump(const DumpOptions& options, tool::Output& output, tool::Output& errors);
 
-tool::Exit check(const CheckOptions& options, tool::Output& output);
+tool::Exit check(const CheckOptions& options, tool::Output& output, tool::Output& errors);
 tool::Exit which(const WhichOptions& options, tool::Output& output);
 tool::Exit stats(const StatsOptions& options, tool::Output& output, tool::Output& errors);
 

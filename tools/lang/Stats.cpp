@@ -38,11 +38,22 @@ std::string languageName(const Texts& texts) {
   return language != nullptr ? std::string(language->name) : "?";
 }
 
+tool::Json elementOf(const Texts& texts, const Counts& counts) {
+  return {{"file", tool::shownName(texts.file)},
+          {"language", languageName(texts)},
+          {"texts", counts.texts},
+          {"translated", counts.translated},
+          {"missing", counts.missing},
+          {"same", counts.same},
+          {"extra", counts.extra}};
+}
+
 }  // namespace
 
 tool::Exit stats(const StatsOptions& options, tool::Output& output, tool::Output& errors) {
-  tool::Report report(errors, false);
   const Texts reference = readTexts(options.against);
+  std::vector<std::pair<std::string, std::vector<tool::Finding>>> damage = {
+      {reference.file, reference.damage}};
   tool::JsonList list(output);
   if (output.terminal() && !options.json) {
     output.print("{}\n",
@@ -52,26 +63,23 @@ tool::Exit stats(const StatsOptions& options, tool::Output& output, tool::Output
     const Texts texts = readTexts(file);
     const Counts counts = count(texts, reference);
     if (options.json) {
-      list.add({{"file", tool::shownName(file)},
-                {"language", languageName(texts)},
-                {"texts", counts.texts},
-                {"translated", counts.translated},
-                {"missing", counts.missing},
-                {"same", counts.same},
-                {"extra", counts.extra}});
+      list.add(elementOf(texts, counts));
     } else {
       output.print("{:>5} {:>10} {:>7} {:>5} {:>5}  {:<10} {}\n", counts.texts, counts.translated,
                    counts.missing, counts.same, counts.extra, languageName(texts), tool::shownName(file));
     }
-    for (const tool::Finding& finding : texts.damage) {
-      report.add(file, finding);
-    }
+    damage.emplace_back(file, texts.damage);
   }
   if (options.json) {
     list.finish();
   }
-  for (const tool::Finding& finding : reference.damage) {
-    report.add(reference.file, finding);
+  output.flush();
+
+  tool::Report report(errors, false);
+  for (const auto& [file, findings] : damage) {
+    for (const tool::Finding& finding : findings) {
+      report.add(file, finding);
+    }
   }
   return report.finish();
 }

@@ -68,17 +68,18 @@ class Reader {
 
  private:
   bool hasHeader() {
-    tMlHeader header = {};
-    std::memcpy(&header, bytes_.data(), std::min(bytes_.size(), sizeof header));
+    tMlHeader header;
+    if (!has(0, sizeof header)) {
+      damage(bytes_.size(), "no language file: it ends within the header of 64 bytes");
+      return false;
+    }
+    std::memcpy(&header, bytes_.data(), sizeof header);
     const std::string_view version(header.version, std::min<size_t>(header.versionLength, 10));
     if (version != kVersion) {
       damage(0, fmt::format("no language file: its version is \"{}\", not \"1.0\"", tool::visible(version)));
-    } else if (!has(0, sizeof header)) {
-      damage(bytes_.size(), "the header of 64 bytes is cut off");
-    } else {
-      return true;
+      return false;
     }
-    return false;
+    return true;
   }
 
   // This host's, unless the numbers make sense in the other order only.

@@ -54,9 +54,9 @@ int main(int argc, char** argv) {
   tool::addJson(command, dump.json)->excludes(table);
 
   lang::CheckOptions check;
-  command =
-      line.add("check", "Tell what is wrong with language files or catalogues, and where",
-               "zot-lang check de.po fr.po --against texts.pot", [&] { return lang::check(check, output); });
+  command = line.add("check", "Tell what is wrong with language files or catalogues, and where",
+                     "zot-lang check de.po fr.po --against texts.pot",
+                     [&] { return lang::check(check, output, errors); });
   command->add_option("FILE", check.files, "Language files or catalogues; - is standard input")
       ->type_name("...")
       ->required();
