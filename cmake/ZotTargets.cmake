@@ -30,8 +30,13 @@ function(zot_library stem name)
   target_include_directories(${stem}_objects PRIVATE "${PROJECT_SOURCE_DIR}")
   target_compile_definitions(${stem}_objects PRIVATE ZOT_LOG_LEVEL_TESTED)
   # Nobody replaces an exported function inside the library: calls between them may be
-  # inlined and need no linkage table.  Calls of the system's libraries do without it too.
-  target_compile_options(${stem}_objects PRIVATE -fno-semantic-interposition -fno-plt)
+  # inlined and need no linkage table.
+  target_compile_options(${stem}_objects PRIVATE -fno-semantic-interposition)
+  # Calls of the system's libraries do without it too, but not everywhere: on 32-bit
+  # PowerPC the library that GCC 12 makes so jumps to a wrong address.
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    target_compile_options(${stem}_objects PRIVATE -fno-plt)
+  endif()
   # GCC's hidden visibility would also hide the Objective-C class symbols, so the
   # version script alone trims the .mm files.
   set_target_properties(${stem}_objects PROPERTIES
