@@ -52,7 +52,8 @@ void takeWords(std::string_view text, bool valueGiven, WrittenRecord& record) {
     } else if (target == nullptr) {
       throw tool::Failure(fmt::format("'{}' behind the value", tool::visible(word.substr(0, 40))));
     } else {
-      *target += (target->empty() ? "" : " ") + std::string(word);
+      *target += target->empty() ? "" : " ";
+      *target += word;
     }
   }
 }
