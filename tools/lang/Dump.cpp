@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <utility>
+
 #include "tools/common/JsonList.h"
 #include "tools/common/Report.h"
 #include "tools/common/Text.h"
@@ -60,8 +62,8 @@ tool::Exit dump(const DumpOptions& options, tool::Output& output, tool::Output& 
   output.flush();
 
   tool::Report report(errors, false);
-  for (const Texts* each : {&texts, sources}) {
-    for (const tool::Finding& finding : each != nullptr ? each->damage : std::vector<tool::Finding>()) {
+  for (const Texts* each : {&texts, &std::as_const(reference)}) {
+    for (const tool::Finding& finding : each->damage) {
       report.add(each->file, finding);
     }
   }

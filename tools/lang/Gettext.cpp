@@ -63,6 +63,7 @@ void limit(int resource, rlim_t most) {
 [[noreturn]] void becomeChild(const std::vector<std::string>& command, const Stream& in, const Stream& out,
                               const Stream& errors) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& word : command) {
     arguments.push_back(const_cast<char*>(word.c_str()));
   }
