@@ -1,15 +1,16 @@
 // Records beside msgpack and protobuf, which carry the same fields in about as many bytes.
-// msgpack comes twice: as the C library, msgpack-c, which hands every item to its buffer
-// through a function pointer, and as C++ headers, which the compiler sees through.
+//
+// All of it is one source with everything in its unnamed namespace, as it was whenever it was
+// measured: how much GCC inlines of the peers' headers, and with it what they cost, depends on
+// how much stands beside them.
 #include "mif/Mif32.h"
 
-#include <msgpack.h>
-
-#include <msgpack.hpp>
+#include <cstring>
 #include <string>
-#include <string_view>
 
+#include "MsgpackBuffers.h"
 #include "Row.h"
+#include "TenFields.h"
 #include "ipaddr/ZotIpAddr.h"
 #include "mif/MifRecord.h"
 #include "mif/zotmif.h"
@@ -18,142 +19,6 @@
 namespace {
 
 // ---- Ten typed fields ----
-
-enum Oid : unsigned short {
-  kMode = 1,
-  kTimeout,
-  kReceived,
-  kUser,
-  kHost,
-  kKey,
-  kChanged,
-  kGateway,
-  kServer,
-  kFlags
-};
-
-constexpr unsigned char kKeyBytes[16] = {9, 8, 7, 6, 5, 4, 3, 2, 1, 0, 11, 12, 13, 14, 15, 16};
-constexpr unsigned char kGatewayBytes[4] = {192, 168, 100, 1};
-constexpr unsigned char kServerBytes[16] = {0x20, 1, 0xd, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 7};
-
-// What a program holds before it sends; all sides read from the same one.
-struct Settings {
-  unsigned int mode = 3;
-  unsigned int timeout = 90'000;
-  unsigned long long received = 0x1'2345'6789;
-  const char* user = "charlotte";
-  const char* host = "gateway-03.example.net";
-  const unsigned char* key = kKeyBytes;
-  long changed = 1'700'000'000;
-  ZotIpAddr gateway{kGatewayBytes, sizeof kGatewayBytes};
-  ZotIpAddr server{kServerBytes, sizeof kServerBytes};
-  unsigned int flags = 0xC0000001;
-};
-
-void encode(Mif32& mif, Settings& from) {
-  mif.AddInt(kMode, from.mode);
-  mif.AddInt(kTimeout, from.timeout);
-  mif.AddInt64(kReceived, from.received);
-  mif.AddStr(kUser, from.user);
-  mif.AddStr(kHost, from.host);
-  mif.AddBin(kKey, from.key, sizeof kKeyBytes);
-  mif.AddTime(kChanged, from.changed);
-  mif.AddIpAddr(kGateway, &from.gateway);
-  mif.AddIpAddr(kServer, &from.server);
-  mif.AddInt(kFlags, from.flags);
-}
-
-// The two msgpacks with one set of names.
-class PackerC {
- public:
-  explicit PackerC(msgpack_sbuffer& buffer) { msgpack_packer_init(&packer_, &buffer, msgpack_sbuffer_write); }
-  void map(uint32_t size) { msgpack_pack_map(&packer_, size); }
-  PackerC& key(uint16_t number) {
-    msgpack_pack_uint16(&packer_, number);
-    return *this;
-  }
-  void number(uint32_t value) { msgpack_pack_uint32(&packer_, value); }
-  void wide(uint64_t value) { msgpack_pack_uint64(&packer_, value); }
-  void text(const char* value) { msgpack_pack_str_with_body(&packer_, value, std::strlen(value)); }
-  void bytes(const unsigned char* value, uint32_t size) { msgpack_pack_bin_with_body(&packer_, value, size); }
-
- private:
-  msgpack_packer packer_;
-};
-
-class PackerCxx {
- public:
-  explicit PackerCxx(msgpack::sbuffer& buffer) : packer_(buffer) {}
-  void map(uint32_t size) { packer_.pack_map(size); }
-  PackerCxx& key(uint16_t number) {
-    packer_.pack_uint16(number);
-    return *this;
-  }
-  void number(uint32_t value) { packer_.pack_uint32(value); }
-  void wide(uint64_t value) { packer_.pack_uint64(value); }
-  void text(const char* value) {
-    const auto size = static_cast<uint32_t>(std::strlen(value));
-    packer_.pack_str(size).pack_str_body(value, size);
-  }
-  void bytes(const unsigned char* value, uint32_t size) {
-    packer_.pack_bin(size).pack_bin_body(reinterpret_cast<const char*>(value), size);
-  }
-
- private:
-  msgpack::packer<msgpack::sbuffer> packer_;
-};
-
-struct BufferC : msgpack_sbuffer {
-  using Packer = PackerC;
-  BufferC() { msgpack_sbuffer_init(this); }
-  ~BufferC() { msgpack_sbuffer_destroy(this); }
-  BufferC(const BufferC&) = delete;
-  BufferC& operator=(const BufferC&) = delete;
-  void clear() { msgpack_sbuffer_clear(this); }
-  const char* bytes() const { return data; }
-  size_t length() const { return size; }
-};
-
-struct BufferCxx : msgpack::sbuffer {
-  using Packer = PackerCxx;
-  const char* bytes() const { return data(); }
-  size_t length() const { return size(); }
-};
-
-// A map from number to value, which is how a reader finds fields by their OID.
-template <typename Buffer>
-void encode(Buffer& buffer, const Settings& from) {
-  typename Buffer::Packer packer(buffer);
-  packer.map(10);
-  packer.key(kMode).number(from.mode);
-  packer.key(kTimeout).number(from.timeout);
-  packer.key(kReceived).wide(from.received);
-  packer.key(kUser).text(from.user);
-  packer.key(kHost).text(from.host);
-  packer.key(kKey).bytes(from.key, sizeof kKeyBytes);
-  packer.key(kChanged).wide(static_cast<uint64_t>(from.changed));
-  packer.key(kGateway).bytes(kGatewayBytes, sizeof kGatewayBytes);
-  packer.key(kServer).bytes(kServerBytes, sizeof kServerBytes);
-  packer.key(kFlags).number(from.flags);
-}
-
-void assign(std::string* to, const unsigned char* bytes, size_t size) {
-  to->assign(reinterpret_cast<const char*>(bytes), size);
-}
-
-// Assigned in place: set_host() and the like make a string that they throw away.
-void fill(bench::Settings& message, const Settings& from) {
-  message.set_mode(from.mode);
-  message.set_timeout(from.timeout);
-  message.set_received(from.received);
-  message.mutable_user()->assign(from.user);
-  message.mutable_host()->assign(from.host);
-  assign(message.mutable_key(), from.key, sizeof kKeyBytes);
-  message.set_changed(from.changed);
-  assign(message.mutable_gateway(), kGatewayBytes, sizeof kGatewayBytes);
-  assign(message.mutable_server(), kServerBytes, sizeof kServerBytes);
-  message.set_flags(from.flags);
-}
 
 // Ten fields into the bytes of a message, everything made for this one message and
 // freed after it.
@@ -191,8 +56,8 @@ void encodeNewProtobuf(benchmark::State& state) {
 }
 
 BENCHMARK(encodeNew)->Name("encode_new/ours");
-BENCHMARK(encodeNewMsgpack<BufferC>)->Name("encode_new/msgpack_c");
-BENCHMARK(encodeNewMsgpack<BufferCxx>)->Name("encode_new/msgpack_cxx");
+BENCHMARK(encodeNewMsgpack<MsgpackC>)->Name("encode_new/msgpack_c");
+BENCHMARK(encodeNewMsgpack<MsgpackCxx>)->Name("encode_new/msgpack_cxx");
 BENCHMARK(encodeNewProtobuf)->Name("encode_new/protobuf");
 
 // The same into a buffer, or a message and a text, that the messages before used.
@@ -233,8 +98,8 @@ void encodeAgainProtobuf(benchmark::State& state) {
 }
 
 BENCHMARK(encodeAgain)->Name("encode_again/ours");
-BENCHMARK(encodeAgainMsgpack<BufferC>)->Name("encode_again/msgpack_c");
-BENCHMARK(encodeAgainMsgpack<BufferCxx>)->Name("encode_again/msgpack_cxx");
+BENCHMARK(encodeAgainMsgpack<MsgpackC>)->Name("encode_again/msgpack_c");
+BENCHMARK(encodeAgainMsgpack<MsgpackCxx>)->Name("encode_again/msgpack_cxx");
 BENCHMARK(encodeAgainProtobuf)->Name("encode_again/protobuf");
 
 // The ten fields out of received bytes, in the order in which they were written, each
@@ -346,20 +211,25 @@ void buildRecordsMsgpack(benchmark::State& state) {
   });
 }
 
-// The last record by its OID, in the bytes as they are.  msgpack-c makes objects of the
-// whole message first; the C++ headers have a visitor, which makes none and stops at
-// the value.
-struct FindByKey : msgpack::null_visitor {
-  uint64_t wanted = 40000;
-  uint64_t value = 0;
+// Knows a map's keys from its values.
+struct MapVisitor : msgpack::null_visitor {
   bool inKey = false;
-  bool wantedKey = false;
 
   bool start_map_key() { return inKey = true; }
   bool end_map_key() {
     inKey = false;
     return true;
   }
+};
+
+// The last record by its OID, in the bytes as they are.  msgpack-c makes objects of the
+// whole message first; the C++ headers have a visitor, which makes none and stops at
+// the value.
+struct FindByKey : MapVisitor {
+  uint64_t wanted = 40000;
+  uint64_t value = 0;
+  bool wantedKey = false;
+
   bool visit_positive_integer(uint64_t number) {
     if (inKey) {
       wantedKey = number == wanted;
@@ -382,7 +252,7 @@ void findLast(benchmark::State& state) {
 }
 
 void findLastMsgpack(benchmark::State& state) {
-  BufferCxx buffer;
+  MsgpackCxx buffer;
   build(buffer, static_cast<uint32_t>(state.range(0)));
   uint64_t value = 0;
   measure(state, [&] {
@@ -395,7 +265,7 @@ void findLastMsgpack(benchmark::State& state) {
 }
 
 template <typename Visit>
-void unpackPairs(const BufferC& buffer, Visit visit) {
+void unpackPairs(const MsgpackC& buffer, Visit visit) {
   msgpack_unpacked message;
   msgpack_unpacked_init(&message);
   size_t offset = 0;
@@ -407,7 +277,7 @@ void unpackPairs(const BufferC& buffer, Visit visit) {
 }
 
 void findLastMsgpackC(benchmark::State& state) {
-  BufferC buffer;
+  MsgpackC buffer;
   build(buffer, static_cast<uint32_t>(state.range(0)));
   uint64_t value = 0;
   measure(state, [&] {
@@ -421,22 +291,16 @@ void findLastMsgpackC(benchmark::State& state) {
 }
 
 BENCHMARK(buildRecords)->Name("build/ours")->Arg(kRecords);
-BENCHMARK(buildRecordsMsgpack<BufferC>)->Name("build/msgpack_c")->Arg(kRecords);
-BENCHMARK(buildRecordsMsgpack<BufferCxx>)->Name("build/msgpack_cxx")->Arg(kRecords);
+BENCHMARK(buildRecordsMsgpack<MsgpackC>)->Name("build/msgpack_c")->Arg(kRecords);
+BENCHMARK(buildRecordsMsgpack<MsgpackCxx>)->Name("build/msgpack_cxx")->Arg(kRecords);
 BENCHMARK(findLast)->Name("find_last/ours")->Arg(kRecords);
 BENCHMARK(findLastMsgpackC)->Name("find_last/msgpack_c")->Arg(kRecords);
 BENCHMARK(findLastMsgpack)->Name("find_last/msgpack_cxx")->Arg(kRecords);
 
 // Every record in order, its number added to a sum.
-struct SumValues : msgpack::null_visitor {
+struct SumValues : MapVisitor {
   uint64_t sum = 0;
-  bool inKey = false;
 
-  bool start_map_key() { return inKey = true; }
-  bool end_map_key() {
-    inKey = false;
-    return true;
-  }
   bool visit_positive_integer(uint64_t number) {
     sum += inKey ? 0 : number;
     return true;
@@ -456,7 +320,7 @@ void visitAll(benchmark::State& state) {
 }
 
 void visitAllMsgpack(benchmark::State& state) {
-  BufferCxx buffer;
+  MsgpackCxx buffer;
   build(buffer, kRecords);
   measure(state, [&] {
     SumValues adder;
@@ -466,7 +330,7 @@ void visitAllMsgpack(benchmark::State& state) {
 }
 
 void visitAllMsgpackC(benchmark::State& state) {
-  BufferC buffer;
+  MsgpackC buffer;
   build(buffer, kRecords);
   measure(state, [&] {
     uint64_t sum = 0;
@@ -490,7 +354,7 @@ void sizes(benchmark::internal::Benchmark* benchmark) {
 }
 
 BENCHMARK(buildRecords)->Name("growth_build/ours")->Apply(sizes);
-BENCHMARK(buildRecordsMsgpack<BufferC>)->Name("growth_build/msgpack_c")->Apply(sizes);
+BENCHMARK(buildRecordsMsgpack<MsgpackC>)->Name("growth_build/msgpack_c")->Apply(sizes);
 BENCHMARK(findLast)->Name("growth_find/ours")->Apply(sizes);
 BENCHMARK(findLastMsgpackC)->Name("growth_find/msgpack_c")->Apply(sizes);
 
