@@ -19,9 +19,9 @@
 
 #import "Look.h"
 #include "OnlyWindow.h"
-#import "SelfTest.h"
 #import "SettingsWindow.h"
 #import "Texts.h"
+#import "selftest/SelfTest.h"
 #include "os/ZotOsFile.h"
 
 namespace {
