@@ -41,4 +41,22 @@ Exit Report::finish() {
   return count_ == 0 ? Exit::Done : Exit::Findings;
 }
 
+Exit Report::finishWith(const std::vector<std::string>& files, Output& errors,
+                        const std::function<std::vector<Finding>(const std::string& file)>& findingsIn) {
+  bool trouble = false;
+  for (const std::string& file : files) {
+    try {
+      for (const Finding& finding : findingsIn(file)) {
+        add(file, finding);
+      }
+    } catch (const Failure& failure) {
+      output_.flush();
+      errors.print("{}\n", failure.what());
+      trouble = true;
+    }
+  }
+  const Exit result = finish();
+  return trouble ? Exit::Trouble : result;
+}
+
 }  // namespace tool

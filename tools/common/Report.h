@@ -3,9 +3,11 @@
 #define ZOT_TOOLS_REPORT_H
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/common/Failure.h"
 #include "tools/common/Output.h"
@@ -35,6 +37,11 @@ class Report {
 
   // Ends a JSON list.  Exit::Findings when there were some.
   Exit finish();
+
+  // Adds what findingsIn() has found in each file, and finishes.  Where it throws Failure, that
+  // is told on errors, the other files are still looked at, and the result is Exit::Trouble.
+  Exit finishWith(const std::vector<std::string>& files, Output& errors,
+                  const std::function<std::vector<Finding>(const std::string& file)>& findingsIn);
 
  private:
   struct Elements;

@@ -36,12 +36,6 @@ Findings findingsIn(const Texts& texts, const Texts* reference, std::endian orde
   return findings;
 }
 
-void tell(tool::Report& report, const std::string& file, const Findings& findings) {
-  for (const tool::Finding& finding : findings) {
-    report.add(file, finding);
-  }
-}
-
 }  // namespace
 
 tool::Exit check(const CheckOptions& options, tool::Output& output, tool::Output& errors) {
@@ -50,21 +44,14 @@ tool::Exit check(const CheckOptions& options, tool::Output& output, tool::Output
   Texts reference;
   if (hasReference) {
     reference = readTexts(options.against);
-    tell(report, reference.file, reference.damage);
-  }
-  const auto order = orderFrom(options.order).value_or(std::endian::native);
-  bool trouble = false;
-  for (const std::string& file : options.files) {
-    try {
-      tell(report, file, findingsIn(readTexts(file), hasReference ? &reference : nullptr, order));
-    } catch (const tool::Failure& failure) {  // the other files are still looked at
-      output.flush();
-      errors.print("{}\n", failure.what());
-      trouble = true;
+    for (const tool::Finding& finding : reference.damage) {
+      report.add(reference.file, finding);
     }
   }
-  const tool::Exit result = report.finish();
-  return trouble ? tool::Exit::Trouble : result;
+  const auto order = orderFrom(options.order).value_or(std::endian::native);
+  return report.finishWith(options.files, errors, [&](const std::string& file) {
+    return findingsIn(readTexts(file), hasReference ? &reference : nullptr, order);
+  });
 }
 
 }  // namespace lang

@@ -6,7 +6,10 @@
 
 namespace mif {
 
-std::vector<tool::Finding> fieldFindings(const Message& message, const Fields& fields) {
+namespace {
+
+// Lengths that the fields' kinds do not have, and then what is wrong with the message itself.
+std::vector<tool::Finding> findingsIn(const Message& message, const Fields& fields) {
   std::vector<tool::Finding> findings;
   message.eachPart([&](const Part& part) {
     const Field* const field = part.type == Part::Type::Record ? fields.find(part.oid) : nullptr;
@@ -17,30 +20,20 @@ std::vector<tool::Finding> fieldFindings(const Message& message, const Fields& f
            part.offset});
     }
   });
+  if (const auto fault = message.fault()) {
+    findings.push_back(*fault);
+  }
   return findings;
 }
+
+}  // namespace
 
 tool::Exit check(const CheckOptions& options, tool::Output& output, tool::Output& errors) {
   const Fields fields = readFields(options.input.fields);
   tool::Report report(output, options.json);
-  bool trouble = false;
-  for (const std::string& file : options.files) {
-    try {
-      const Message message = readMessage(file, options.input);
-      for (const tool::Finding& finding : fieldFindings(message, fields)) {
-        report.add(file, finding);
-      }
-      if (const auto fault = message.fault()) {
-        report.add(file, *fault);
-      }
-    } catch (const tool::Failure& failure) {  // the other files are still looked at
-      output.flush();
-      errors.print("{}\n", failure.what());
-      trouble = true;
-    }
-  }
-  const tool::Exit result = report.finish();
-  return trouble ? tool::Exit::Trouble : result;
+  return report.finishWith(options.files, errors, [&](const std::string& file) {
+    return findingsIn(readMessage(file, options.input), fields);
+  });
 }
 
 }  // namespace mif

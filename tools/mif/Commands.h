@@ -66,9 +66,6 @@ tool::Exit get(const GetOptions& options, tool::Output& output, tool::Output& er
 tool::Exit diff(const DiffOptions& options, tool::Output& output);
 tool::Exit check(const CheckOptions& options, tool::Output& output, tool::Output& errors);
 
-// What the fields say against a message.
-std::vector<tool::Finding> fieldFindings(const Message& message, const Fields& fields);
-
 }  // namespace mif
 
 #endif
