@@ -108,6 +108,7 @@ TEST(LogLine, IsCutAtItsBuffer) {
   }
   const char* const none = nullptr;
   EXPECT_EQ("\n", captured([&] { ZotOsvLog(pstLog, 4, none, 0); }).out.substr(24));
+  EXPECT_EQ("a\n", captured([] { ZotOsvLog(pstLog, 4, "a%cb", 0); }).out.substr(24)) << "a zero ends it";
 }
 
 TEST(LogLine, GoesToAStreamWithoutADescriptor) {
@@ -290,6 +291,7 @@ TEST(DataLine, HasItsTextInFrontAndIsCut) {
   };
   EXPECT_EQ("TRACE f:" + ab, withFormat("TRACE f:", "AB"));
   EXPECT_EQ("TRACE f:\npvData = NULL !!!", withFormat("TRACE f:", nullptr));
+  EXPECT_EQ("a" + ab, captured([] { ZotOsvvLogData(pstLog, 4, "AB", 2, 1, "a%cb", 0); }).out.substr(24));
   EXPECT_EQ(std::string(1270, 'x') + "\npvData =", withFormat(std::string(1270, 'x'), nullptr));
   EXPECT_EQ(std::string(1279, 'x'), withFormat(std::string(5000, 'x'), "AB"));
 }
