@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "log/CLibraryLockInternal.h"
 #include "log/LogInternal.h"
 #include "log/LogLineInternal.h"
 #include "os/CancellationOff.h"
@@ -38,14 +39,13 @@ void makeFormat(char (&dst)[kSyslogSize], const char* message) {
 }
 
 void writeSyslog(const char* message) {
-  if ((dLogOpen.load(std::memory_order_relaxed) & ~kIgnoredOpenBit) == 0) {
-    // Only the thread that counts from zero opens the log.
-    if ((dLogOpen.fetch_add(1, std::memory_order_relaxed) & ~kIgnoredOpenBit) == 0) {
-      openlog("ZotOsLog", LOG_PID, LOG_USER);
-    }
-  }
   char format[kSyslogSize];
   makeFormat(format, message);
+  const CLibraryLock lock;
+  if ((dLogOpen & ~kIgnoredOpenBit) == 0) {
+    ++dLogOpen;
+    openlog("ZotOsLog", LOG_PID, LOG_USER);
+  }
 // The message is a format on purpose: makeFormat() left no conversion in it that
 // fetches an argument.
 #pragma GCC diagnostic push

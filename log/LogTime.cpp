@@ -1,14 +1,12 @@
 // The timestamp in front of a line.
-#include <pthread.h>
 #include <sys/time.h>
 
-#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 
+#include "log/CLibraryLockInternal.h"
 #include "log/LogInternal.h"
-#include "os/CancellationOff.h"
 #include "os/zot_string.h"
 
 namespace {
@@ -62,32 +60,8 @@ struct Stamp {
 // Without a destructor: a new thread needs no memory for it.
 constinit thread_local Stamp stamp;
 
-// One thread at a time asks for the zone.  The C library has a lock of its own, which
-// thread sanitizers do not see.
-class ZoneLock {
- public:
-  ZoneLock() {
-    // Of the parent's threads a forked child has only the one that forked.
-    [[maybe_unused]] static const int childFindsItFree =
-        pthread_atfork(nullptr, nullptr, [] { taken_.clear(); });
-    while (taken_.test_and_set(std::memory_order_acquire)) {
-      taken_.wait(true);
-    }
-  }
-  ~ZoneLock() {
-    taken_.clear(std::memory_order_release);
-    taken_.notify_one();
-  }
-  ZoneLock(const ZoneLock&) = delete;
-  ZoneLock& operator=(const ZoneLock&) = delete;
-
- private:
-  CancellationOff uncancelled_;  // the zone may be read from a file
-  static inline std::atomic_flag taken_;
-};
-
 bool localTime(time_t second, tm& local) {
-  const ZoneLock lock;
+  const CLibraryLock lock;  // nor is the thread cancelled while the zone is read from its file
   tzset();
   if (localtime_r(&second, &local) == nullptr) {
     return false;

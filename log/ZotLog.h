@@ -8,8 +8,9 @@
 // Every call accepts a null log object and then does nothing.  The writers never
 // fail, leave errno alone and allocate nothing; what does not fit is cut.  They may be
 // called from any thread, and a cancelled thread does not end in them.  The only locks
-// are that of the output stream and, when the second or the zone is another than in
-// the thread's last line, that of the C library's time zone.
+// are that of the sink (the output stream, the C library's system log) and, when the second
+// or the zone is another than in the thread's last line, that of the C library's time
+// zone.  A child that is forked while other threads write finds all of them free.
 #ifndef ZOT_LOG_H
 #define ZOT_LOG_H
 

@@ -4,17 +4,30 @@
 #include <syslog.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdarg>
 #include <memory>
+#include <string_view>
 #include <thread>
 
 #include "log/LogInternal.h"
 #include "log/LogLineInternal.h"
+#include "support/Child.h"
 #include "support/LogFixture.h"
 
 static timeval pinnedTime{0, 0};  // the time of day unless 0; a clock below 0 fails
 static std::vector<std::string> opened;
 static std::vector<std::pair<std::string, std::string>> logged;  // each format, and what it shows
+static std::string_view slowCall;  // it takes its time, as if it held a lock of the C library
+static std::atomic<bool> inSlowCall{false};
+
+static void lingerIn(std::string_view call) {
+  if (call == slowCall) {
+    inSlowCall = true;
+    usleep(50000);
+    inSlowCall = false;
+  }
+}
 
 // The linker's --wrap option sends the calls here; nothing reaches the real log.
 extern "C" {
@@ -28,6 +41,12 @@ int __wrap_gettimeofday(timeval* now, void* zone) {
   return now->tv_sec < 0 ? -1 : 0;
 }
 
+tm* __real_localtime_r(const time_t* second, tm* local);
+tm* __wrap_localtime_r(const time_t* second, tm* local) {
+  lingerIn("localtime_r");
+  return __real_localtime_r(second, local);
+}
+
 void __wrap_openlog(const char* ident, int options, int facility) {
   EXPECT_EQ(LOG_PID, options);
   EXPECT_EQ(LOG_USER, facility);
@@ -36,6 +55,7 @@ void __wrap_openlog(const char* ident, int options, int facility) {
 
 void __wrap_syslog(int priority, const char* format, ...) {
   EXPECT_EQ(LOG_INFO, priority);
+  lingerIn("syslog");
   char shown[8192];
   va_list args;
   va_start(args, format);
@@ -294,6 +314,20 @@ TEST(DataLine, HasItsTextInFrontAndIsCut) {
   EXPECT_EQ("a" + ab, captured([] { ZotOsvvLogData(pstLog, 4, "AB", 2, 1, "a%cb", 0); }).out.substr(24));
   EXPECT_EQ(std::string(1270, 'x') + "\npvData =", withFormat(std::string(1270, 'x'), nullptr));
   EXPECT_EQ(std::string(1279, 'x'), withFormat(std::string(5000, 'x'), "AB"));
+}
+
+TEST(ForkedChild, FindsNoLockOfTheCLibraryTaken) {
+  for (const auto& [call, level] : {std::pair("localtime_r", kEveryLine), {"syslog", kEveryLine - 1}}) {
+    const TestLog log(level);
+    slowCall = call;
+    captured([] {
+      std::thread other([] { ZotOsvLog(pstLog, 4, "line"); });
+      EXPECT_TRUE(waitUntil([] { return inSlowCall.load(); }));
+      EXPECT_EQ(0, runInChild([] { return inSlowCall ? 1 : 0; })) << slowCall;
+      other.join();
+    });
+    slowCall = {};
+  }
 }
 
 }  // namespace
