@@ -1,11 +1,23 @@
 // The two forms in which a message is written down and built again: lines of text,
 // and elements of a JSON list.  Each part is one line or one element.
 //
-//   order little                              {"order":"little"}
-//   1 int 90  # interval {"offset":0,"oid":1,"name":"interval","length":4,"kind":"int","value":90} 9 password
-//   ******** stored fe 20          {...,"kind":"password","value":"********","stored":"fe 20"} end
-//   {"offset":20,"end":true} rest 00 01                                {"offset":22,"rest":"00 01"} 5 bytes
-//   61 62 missing 3                   {...,"kind":"bytes","value":"61 62","missing":3}
+// As text:
+//
+//   order little
+//   1 int 90  # interval
+//   9 password ******** stored fe 20
+//   5 bytes 61 62 missing 3
+//   end
+//   rest 00 01
+//
+// As elements:
+//
+//   {"order":"little"}
+//   {"offset":0,"oid":1,"name":"interval","length":4,"kind":"int","value":90}
+//   {...,"kind":"password","value":"********","stored":"fe 20"}
+//   {...,"kind":"bytes","value":"61 62","missing":3}
+//   {"offset":20,"end":true}
+//   {"offset":22,"rest":"00 01"}
 //
 // `stored` has the bytes where the shown value does not give them; `missing` counts
 // value bytes that the length promises and the buffer lacks.
