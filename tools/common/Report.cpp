@@ -34,6 +34,12 @@ void Report::add(const std::string& file, const Finding& finding) {
   elements_->list.add(element);
 }
 
+void Report::add(const std::string& file, const std::vector<Finding>& findings) {
+  for (const Finding& finding : findings) {
+    add(file, finding);
+  }
+}
+
 Exit Report::finish() {
   if (elements_ != nullptr) {
     elements_->list.finish();
@@ -46,9 +52,7 @@ Exit Report::finishWith(const std::vector<std::string>& files, Output& errors,
   bool trouble = false;
   for (const std::string& file : files) {
     try {
-      for (const Finding& finding : findingsIn(file)) {
-        add(file, finding);
-      }
+      add(file, findingsIn(file));
     } catch (const Failure& failure) {
       output_.flush();
       errors.print("{}\n", failure.what());

@@ -34,6 +34,7 @@ class Report {
 
   // file: as the user wrote it, "-" for standard input.
   void add(const std::string& file, const Finding& finding);
+  void add(const std::string& file, const std::vector<Finding>& findings);
 
   // Ends a JSON list.  Exit::Findings when there were some.
   Exit finish();

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 
 namespace tool {
@@ -97,6 +98,12 @@ std::optional<uint64_t> numberFrom(std::string_view text, uint64_t largest) {
   const auto [behind, error] = std::from_chars(text.data(), end, number, hexadecimal ? 16 : 10);
   const bool whole = error == std::errc() && behind == end && number <= largest;
   return whole ? std::optional(number) : std::nullopt;
+}
+
+std::string_view takeLine(std::string_view& text) {
+  const std::string_view line = text.substr(0, text.find('\n'));
+  text.remove_prefix(std::min(text.size(), line.size() + 1));
+  return line;
 }
 
 std::string counted(uint64_t count, std::string_view noun) {

@@ -23,6 +23,9 @@ std::string visible(std::string_view text);
 // A whole number, decimal or hexadecimal with 0x, up to largest; nothing else before or behind it.
 std::optional<uint64_t> numberFrom(std::string_view text, uint64_t largest = UINT64_MAX);
 
+// Takes the first line off the text and returns it without its end.
+std::string_view takeLine(std::string_view& text);
+
 // "1 record", "2 records".
 std::string counted(uint64_t count, std::string_view noun);
 

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "tools/common/Command.h"
 #include "tools/ctl/Commands.h"
 #include "tools/ctl/Level.h"
 #include "tools/ctl/SharedBlock.h"
@@ -16,7 +17,6 @@ namespace ctl {
 namespace {
 
 constexpr useconds_t kPause = 20000;  // microseconds between two looks at the block
-constexpr int kNoCommand = 127;       // as the shell has it
 
 constexpr int kSignals[] = {SIGINT, SIGQUIT, SIGTERM, SIGHUP};
 
@@ -82,15 +82,10 @@ class RaisedLevel {
 };
 
 [[noreturn]] void execute(const std::vector<std::string>& command) {
-  std::vector<char*> arguments;
-  arguments.reserve(command.size() + 1);
-  for (const std::string& argument : command) {
-    arguments.push_back(const_cast<char*>(argument.c_str()));
-  }
-  arguments.push_back(nullptr);
+  const std::vector<char*> arguments = tool::argumentsOf(command);
   execvp(arguments[0], arguments.data());
   fmt::print(stderr, "zot-ctl: {}: {}\n", command[0], std::strerror(errno));
-  _exit(kNoCommand);
+  _exit(tool::kNoCommand);
 }
 
 int waitFor(pid_t child, RaisedLevel& level) {

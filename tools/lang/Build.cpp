@@ -4,6 +4,7 @@
 #include <map>
 #include <system_error>
 
+#include "tools/common/ByteOrder.h"
 #include "tools/common/Files.h"
 #include "tools/common/Report.h"
 #include "tools/common/Text.h"
@@ -18,9 +19,7 @@ namespace {
 
 // Adds the texts of one catalogue to those of its language.
 void merge(std::map<uint32_t, Texts>& languages, Texts texts, tool::Report& report) {
-  for (const tool::Finding& finding : texts.damage) {
-    report.add(texts.file, finding);
-  }
+  report.add(texts.file, texts.damage);
   const auto [found, isFirst] = languages.try_emplace(texts.language, texts);
   if (isFirst) {
     return;
@@ -76,7 +75,7 @@ tool::Exit build(const BuildOptions& options, tool::Output& errors) {
   }
   std::map<std::string, std::string> files;
   for (const auto& [language, texts] : languages) {
-    const auto order = orderFrom(options.order);
+    const auto order = tool::orderNamed(options.order);
     files[toOutput ? "-" : pathFor(options, texts).string()] =
         textFile(texts.texts, order ? *order : texts.order.value_or(std::endian::native));
   }

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <unordered_map>
 
+#include "tools/common/ByteOrder.h"
 #include "tools/common/Failure.h"
 #include "tools/common/Files.h"
 #include "tools/common/Text.h"
@@ -58,8 +59,7 @@ class Lines {
  public:
   explicit Lines(std::string_view catalogue) {
     for (uint64_t number = 1; !catalogue.empty(); ++number) {
-      std::string_view line = catalogue.substr(0, catalogue.find('\n'));
-      catalogue.remove_prefix(std::min(catalogue.size(), line.size() + 1));
+      std::string_view line = tool::takeLine(catalogue);
       line.remove_prefix(std::min(line.size(), line.find_first_not_of(" \t")));
       for (const std::string_view keyword : {"msgctxt", "msgid"}) {
         const size_t quote = line.find('"');
@@ -96,8 +96,7 @@ class Lines {
 void tellMessages(Texts& texts, std::string_view messages) {
   constexpr std::string_view input = "<stdin>:";
   while (!messages.empty()) {
-    std::string_view line = messages.substr(0, messages.find('\n'));
-    messages.remove_prefix(std::min(messages.size(), line.size() + 1));
+    std::string_view line = tool::takeLine(messages);
     uint64_t number = 0;
     if (line.starts_with(input)) {
       line.remove_prefix(input.size());
@@ -195,7 +194,7 @@ void takeMessages(Texts& texts, std::string_view compiled, std::string_view line
   if (const uint32_t language = numberOfCode(headerField(fields, "Language")); language != 0) {
     texts.language = language;
   }
-  texts.order = orderFrom(headerField(fields, "X-Byte-Order"));
+  texts.order = tool::orderNamed(headerField(fields, "X-Byte-Order"));
   const Lines lineOf(lines);
   lineOf.forEachContext([&](std::string_view context, uint64_t line) {
     if (const auto place = placeFrom(context); place) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tools/common/ByteOrder.h"
 #include "tools/common/Report.h"
 #include "tools/lang/Commands.h"
 #include "tools/lang/Comparison.h"
@@ -18,7 +19,7 @@ Findings orderFindings(const Texts& texts, std::endian wanted) {
     return {};
   }
   return {{fmt::format("wrong byte order: the file is for {}-endian hosts; build it with --order {}",
-                       nameOf(*texts.order), nameOf(wanted)),
+                       tool::nameOf(*texts.order), tool::nameOf(wanted)),
            kFormCountAt}};
 }
 
@@ -44,11 +45,9 @@ tool::Exit check(const CheckOptions& options, tool::Output& output, tool::Output
   Texts reference;
   if (hasReference) {
     reference = readTexts(options.against);
-    for (const tool::Finding& finding : reference.damage) {
-      report.add(reference.file, finding);
-    }
+    report.add(reference.file, reference.damage);
   }
-  const auto order = orderFrom(options.order).value_or(std::endian::native);
+  const auto order = tool::orderNamed(options.order).value_or(std::endian::native);
   return report.finishWith(options.files, errors, [&](const std::string& file) {
     return findingsIn(readTexts(file), hasReference ? &reference : nullptr, order);
   });

@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 
-#include <utility>
-
+#include "tools/common/ByteOrder.h"
 #include "tools/common/JsonList.h"
 #include "tools/common/Report.h"
 #include "tools/common/Text.h"
@@ -46,7 +45,7 @@ void writeJson(const Texts& texts, const Texts* reference, tool::Output& output)
 }  // namespace
 
 tool::Exit dump(const DumpOptions& options, tool::Output& output, tool::Output& errors) {
-  const Texts texts = readTexts(options.file, orderFrom(options.order));
+  const Texts texts = readTexts(options.file, tool::orderNamed(options.order));
   Texts reference;
   if (!options.reference.empty()) {
     reference = readTexts(options.reference);
@@ -62,15 +61,10 @@ tool::Exit dump(const DumpOptions& options, tool::Output& output, tool::Output& 
   output.flush();
 
   tool::Report report(errors, false);
-  for (const Texts* each : {&texts, &std::as_const(reference)}) {
-    for (const tool::Finding& finding : each->damage) {
-      report.add(each->file, finding);
-    }
-  }
+  report.add(texts.file, texts.damage);
+  report.add(reference.file, reference.damage);
   if (!options.table && !options.json) {
-    for (const tool::Finding& finding : texts.notKept) {
-      report.add(texts.file, finding);
-    }
+    report.add(texts.file, texts.notKept);
   }
   return report.finish();
 }

@@ -10,13 +10,13 @@
 #include <cstring>
 #include <memory>
 
+#include "tools/common/Command.h"
 #include "tools/common/Failure.h"
 
 namespace lang {
 
 namespace {
 
-constexpr int kNotFound = 127;  // as a shell has it
 constexpr rlim_t kMostOutput = 256 << 20, kMostMemory = 1 << 30, kMostSeconds = 60;
 
 // Files instead of pipes: nobody waits for anybody, however much is written.
@@ -62,12 +62,7 @@ void limit(int resource, rlim_t most) {
 
 [[noreturn]] void becomeChild(const std::vector<std::string>& command, const Stream& in, const Stream& out,
                               const Stream& errors) {
-  std::vector<char*> arguments;
-  arguments.reserve(command.size() + 1);
-  for (const std::string& word : command) {
-    arguments.push_back(const_cast<char*>(word.c_str()));
-  }
-  arguments.push_back(nullptr);
+  const std::vector<char*> arguments = tool::argumentsOf(command);  // before memory is short
   dup2(in.descriptor(), STDIN_FILENO);
   dup2(out.descriptor(), STDOUT_FILENO);
   dup2(errors.descriptor(), STDERR_FILENO);
@@ -75,7 +70,7 @@ void limit(int resource, rlim_t most) {
   limit(RLIMIT_AS, kMostMemory);
   limit(RLIMIT_CPU, kMostSeconds);
   execvp(arguments[0], arguments.data());
-  _exit(kNotFound);
+  _exit(tool::kNoCommand);
 }
 
 }  // namespace
@@ -93,7 +88,7 @@ GettextRun runGettext(const std::vector<std::string>& command, std::string_view 
   int status = 0;
   while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }
-  if (WIFEXITED(status) && WEXITSTATUS(status) == kNotFound) {
+  if (WIFEXITED(status) && WEXITSTATUS(status) == tool::kNoCommand) {
     throw tool::Failure(fmt::format("{} cannot be run; it comes with gettext", command[0]));
   }
   return {WIFEXITED(status) && WEXITSTATUS(status) == 0, out.content(), errors.content()};

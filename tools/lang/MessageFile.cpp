@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "tools/common/Failure.h"
+#include "tools/common/Text.h"
 
 namespace lang {
 
@@ -66,8 +67,7 @@ std::vector<Message> messagesIn(std::string_view bytes) {
 
 std::string headerField(std::string_view header, std::string_view name) {
   while (!header.empty()) {
-    const std::string_view line = header.substr(0, header.find('\n'));
-    header.remove_prefix(std::min(header.size(), line.size() + 1));
+    const std::string_view line = tool::takeLine(header);
     if (line.size() > name.size() && line.starts_with(name) && line[name.size()] == ':') {
       const size_t start = line.find_first_not_of(' ', name.size() + 1);
       return start != line.npos ? std::string(line.substr(start)) : std::string();

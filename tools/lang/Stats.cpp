@@ -77,9 +77,7 @@ tool::Exit stats(const StatsOptions& options, tool::Output& output, tool::Output
 
   tool::Report report(errors, false);
   for (const auto& [file, findings] : damage) {
-    for (const tool::Finding& finding : findings) {
-      report.add(file, finding);
-    }
+    report.add(file, findings);
   }
   return report.finish();
 }

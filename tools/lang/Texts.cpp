@@ -64,14 +64,4 @@ Texts readTexts(const std::string& file, std::optional<std::endian> order) {
   return looksLikeCatalogue(file, bytes) ? readCatalogue(file, bytes) : readTextFile(file, bytes, order);
 }
 
-std::optional<std::endian> orderFrom(const std::string& name) {
-  return name == "little" ? std::optional(std::endian::little)
-         : name == "big"  ? std::optional(std::endian::big)
-                          : std::nullopt;
-}
-
-std::string nameOf(std::endian order) {
-  return order == std::endian::little ? "little" : "big";
-}
-
 }  // namespace lang

@@ -60,10 +60,6 @@ tool::Finding findingAt(const Texts& texts, uint64_t at, std::string text);
 // Throws tool::Failure when the file cannot be read.
 Texts readTexts(const std::string& file, std::optional<std::endian> order = std::nullopt);
 
-// "little" or "big"; nothing for an empty name.
-std::optional<std::endian> orderFrom(const std::string& name);
-std::string nameOf(std::endian order);
-
 }  // namespace lang
 
 #endif

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include "tools/common/ByteOrder.h"
 #include "tools/common/Text.h"
 #include "tools/lang/Catalogue.h"
 #include "tools/lang/Languages.h"
@@ -48,7 +49,7 @@ void writeHeader(const Texts& texts, tool::Output& output) {
       "\"Content-Transfer-Encoding: 8bit\\n\"\n");
   // A catalogue is for every host, unless it comes from a file that this one cannot read.
   if (texts.order.value_or(std::endian::native) != std::endian::native) {
-    output.print("\"X-Byte-Order: {}\\n\"\n", nameOf(*texts.order));
+    output.print("\"X-Byte-Order: {}\\n\"\n", tool::nameOf(*texts.order));
   }
 }
 

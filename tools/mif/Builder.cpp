@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "mif/MifRecord.h"
+#include "tools/common/ByteOrder.h"
 #include "tools/common/Failure.h"
 #include "tools/common/Text.h"
 #include "tools/mif/Message.h"
@@ -46,7 +47,7 @@ std::vector<unsigned char> valueOf(const WrittenRecord& record, std::endian orde
 }  // namespace
 
 void Builder::order(std::string_view name) {
-  const auto order = orderNamed(name);
+  const auto order = tool::orderNamed(name);
   if (!order) {
     throw tool::Failure(fmt::format("the order is 'little' or 'big', not '{}'", tool::visible(name)));
   }

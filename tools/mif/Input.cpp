@@ -1,6 +1,7 @@
 // Messages and fields from files.
 #include <fmt/format.h>
 
+#include "tools/common/ByteOrder.h"
 #include "tools/common/Files.h"
 #include "tools/common/Text.h"
 #include "tools/mif/Commands.h"
@@ -8,10 +9,6 @@
 namespace mif {
 
 namespace {
-
-std::endian orderOf(const std::string& name) {
-  return name.empty() ? std::endian::native : *orderNamed(name);
-}
 
 [[noreturn]] void refuseHex(const std::string& name, std::string_view text, size_t at,
                             const std::string& what) {
@@ -45,7 +42,7 @@ std::vector<unsigned char> bytesOf(const std::string& file, const InputOptions& 
 }  // namespace
 
 Message readMessage(const std::string& file, const InputOptions& options) {
-  return {bytesOf(file, options), orderOf(options.order)};
+  return {bytesOf(file, options), tool::orderNamed(options.order).value_or(std::endian::native)};
 }
 
 Fields readFields(const std::string& file) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "mif/MifRecord.h"
+#include "tools/common/ByteOrder.h"
 #include "tools/common/Progress.h"
 #include "tools/common/Text.h"
 
@@ -101,7 +102,7 @@ std::optional<tool::Finding> Message::damage() const {
   if (found && order_ == std::endian::native) {
     const Message other(bytes_, otherThan(order_));
     if (!other.damage()) {
-      found->text += fmt::format("; with --order {} it is whole", nameOf(other.order()));
+      found->text += fmt::format("; with --order {} it is whole", tool::nameOf(other.order()));
     }
   }
   return found;
@@ -118,17 +119,6 @@ std::optional<tool::Finding> Message::fault() const {
     });
   }
   return found;
-}
-
-std::optional<std::endian> orderNamed(std::string_view name) {
-  if (name == nameOf(std::endian::little)) {
-    return std::endian::little;
-  }
-  return name == nameOf(std::endian::big) ? std::optional(std::endian::big) : std::nullopt;
-}
-
-std::string_view nameOf(std::endian order) {
-  return order == std::endian::big ? "big" : "little";
 }
 
 }  // namespace mif

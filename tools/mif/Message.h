@@ -60,9 +60,6 @@ class Message {
   std::endian order_;
 };
 
-std::optional<std::endian> orderNamed(std::string_view name);
-std::string_view nameOf(std::endian order);
-
 }  // namespace mif
 
 #endif

@@ -3,6 +3,7 @@
 
 #include <iterator>
 
+#include "tools/common/ByteOrder.h"
 #include "tools/common/Failure.h"
 #include "tools/common/JsonList.h"
 #include "tools/common/Progress.h"
@@ -123,7 +124,7 @@ std::string complaint(const std::string& what) {
 
 void writeJson(const Message& message, const View& view, tool::Output& output) {
   tool::JsonList list(output);
-  list.add({{"order", nameOf(message.order())}});
+  list.add({{"order", tool::nameOf(message.order())}});
   eachShortPart(message, [&](const Part& part) { list.add(elementOf(part, message.order(), view)); });
   list.finish();
 }

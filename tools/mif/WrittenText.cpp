@@ -3,6 +3,7 @@
 
 #include <sstream>
 
+#include "tools/common/ByteOrder.h"
 #include "tools/common/Failure.h"
 #include "tools/common/Progress.h"
 #include "tools/common/Text.h"
@@ -77,6 +78,28 @@ WrittenRecord recordIn(std::string_view oid, std::string_view line) {
   return record;
 }
 
+void addLine(Builder& builder, std::string_view line) {
+  const std::string_view first = wordIn(line);
+  if (first.empty() || first[0] == '#') {
+    return;
+  }
+  WrittenRecord words{};
+  if (first == "order" || first == "end" || first == "rest") {
+    takeWords(line, false, words);
+  }
+  if (first == "order") {
+    builder.order(words.text);
+  } else if (first == "rest") {
+    builder.rest(words.text);
+  } else if (first == "end" && !words.text.empty()) {
+    throw tool::Failure(fmt::format("'{}' behind the end", tool::visible(words.text.substr(0, 40))));
+  } else if (first == "end") {
+    builder.end();
+  } else {
+    builder.record(recordIn(first, line));
+  }
+}
+
 }  // namespace
 
 StoredReading storedReadingOf(const Part& record, std::endian order, const View& view) {
@@ -106,30 +129,8 @@ void eachShortPart(const Message& message, const std::function<void(const Part&)
 
 void writeText(const Message& message, const View& view,
                const std::function<void(const std::string&)>& print) {
-  print(fmt::format("order {}", nameOf(message.order())));
+  print(fmt::format("order {}", tool::nameOf(message.order())));
   eachShortPart(message, [&](const Part& part) { print(lineOf(part, message.order(), view)); });
-}
-
-void addLine(Builder& builder, std::string_view line) {
-  const std::string_view first = wordIn(line);
-  if (first.empty() || first[0] == '#') {
-    return;
-  }
-  WrittenRecord words{};
-  if (first == "order" || first == "end" || first == "rest") {
-    takeWords(line, false, words);
-  }
-  if (first == "order") {
-    builder.order(words.text);
-  } else if (first == "rest") {
-    builder.rest(words.text);
-  } else if (first == "end" && !words.text.empty()) {
-    throw tool::Failure(fmt::format("'{}' behind the end", tool::visible(words.text.substr(0, 40))));
-  } else if (first == "end") {
-    builder.end();
-  } else {
-    builder.record(recordIn(first, line));
-  }
 }
 
 std::vector<unsigned char> bytesWritten(tool::Input& file, std::optional<std::endian> order,
