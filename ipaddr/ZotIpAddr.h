@@ -105,8 +105,8 @@ class ZOT_EXPORT ZotIpAddr {
   // unset or its text does not fit.
   //
   //   buf   has room for a byte even when size is 0: the empty text is written first
-  //   size  room in bytes; an IPv4 text fits when its characters do, and then its
-  //         terminator stands at buf[size] (see zot_inet_ntop4)
+  //   size  room in bytes; an IPv4 text of exactly size characters fits, too, and
+  //         its terminator then stands at buf[size] (see zot_inet_ntop4)
   unsigned int GetStr(char* buf, unsigned int size) const;
 
   // The text in a buffer of this object; empty when the address is unset or the
@@ -119,8 +119,8 @@ class ZOT_EXPORT ZotIpAddr {
   // addresses included, is neither equal nor unequal; callers rely on that.
   //
   // The orderings compare views where one of the two is IPv4, and otherwise all
-  // bytes of addresses of one length.  Between all other pairs none of the four
-  // holds.
+  // bytes of addresses of one length.  Between all other pairs, two unset addresses
+  // included, none of the four holds.
   unsigned int operator==(const ZotIpAddr& other) const;
   unsigned int operator!=(const ZotIpAddr& other) const;
   unsigned int operator<(const ZotIpAddr& other) const;

@@ -12,7 +12,8 @@
 //
 // No access leaves the block, whatever its bytes or SetLen and SetExternalMem
 // claim: a walk stops at the block's end, bytes outside read as 0 and are not
-// written.  An object serves one thread at a time.
+// written.  Values and data given may stand in the object's own block.  An object
+// serves one thread at a time.
 #ifndef MIF32_H
 #define MIF32_H
 

@@ -144,14 +144,14 @@ class MifRecords {
     uint64_t at = 0;
     while (at <= lastHeader) {
       const unsigned char* header = bytes_ + at;
-      const auto its = mifLoad<unsigned short>(header);
+      const auto recordOid = mifLoad<unsigned short>(header);
       const auto length = mifLoad<unsigned short>(header + 2);
-      if (its == kMifEndMarker) {
+      if (recordOid == kMifEndMarker) {
         break;
       }
-      if (its == oid && ++count == occurrence) {
+      if (recordOid == oid && ++count == occurrence) {
         const uint64_t behind = lastHeader - at;
-        return MifRecord{at, its, length, header + kMifHeaderSize,
+        return MifRecord{at, oid, length, header + kMifHeaderSize,
                          behind < length ? static_cast<size_t>(behind) : length};
       }
       at += kMifHeaderSize + uint64_t{length};

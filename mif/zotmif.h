@@ -5,10 +5,11 @@
 //   oid         the records wanted; those behind an end marker are never found
 //   occurrence  1 for the first record of the OID, and so on; 0 finds nothing
 //
-// Results are 1 for success and 0 for failure unless stated otherwise.  A null buf,
-// a len of 0 and an occurrence of 0 give 0 and leave every output as it was, except
-// that the range text is emptied.  So does a value whose bytes do not all lie within
-// len; only the address and range functions read the missing ones as 0.
+// Unless stated otherwise results are 1 for success and 0 for failure.  A null buf, a
+// len of 0 and an occurrence of 0 give 0 and leave every output as it was, except that
+// the range text is emptied.  So does a value whose bytes do not all lie within len;
+// but of a number only the bytes that are read need to, and the address and range
+// functions read the missing ones as 0.
 //
 // Nothing here allocates, logs or keeps a pointer.  Threads may read the same
 // bytes at the same time.
