@@ -77,10 +77,24 @@ int CommandLine::run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return complainOf(error, app_);
   }
-  try {
+  return guarded(program, [this] {
     const Exit result = work_();
     Output(stdout).flush();
     return statusOf(result);
+  });
+}
+
+CLI::Option* addJson(CLI::App* command, bool& json) {
+  return command->add_flag("--json", json, "Print JSON");
+}
+
+void addOrder(CLI::App* command, std::string& order, const std::string& what) {
+  command->add_option("--order", order, what)->check(CLI::IsMember({"little", "big"}));
+}
+
+int guarded(const std::string& program, const std::function<int()>& work) {
+  try {
+    return work();
   } catch (const FailureAt& failure) {
     return complain(failure.what());
   } catch (const std::bad_alloc&) {
@@ -88,10 +102,6 @@ int CommandLine::run(int argc, char** argv) {
   } catch (const std::exception& error) {
     return complain(program, error.what());
   }
-}
-
-CLI::Option* addJson(CLI::App* command, bool& json) {
-  return command->add_flag("--json", json, "Print JSON");
 }
 
 }  // namespace tool

@@ -23,7 +23,7 @@ class CommandLine {
   CLI::App* add(const std::string& name, const std::string& what, const std::string& example,
                 std::function<Exit()> work, CLI::App* parent = nullptr);
 
-  // Parses and runs; what main() returns.  Nothing thrown gets out.
+  // Parses and runs; returns the exit status.  Nothing thrown gets out.
   int run(int argc, char** argv);
 
  private:
@@ -33,6 +33,11 @@ class CommandLine {
 
 // Options that several programs have, with one wording.
 CLI::Option* addJson(CLI::App* command, bool& json);
+void addOrder(CLI::App* command, std::string& order, const std::string& what);
+
+// What main() returns: the exit status that work() gives, or Exit::Trouble once it is told
+// what work() has thrown.
+int guarded(const std::string& program, const std::function<int()>& work);
 
 }  // namespace tool
 
