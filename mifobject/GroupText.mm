@@ -71,7 +71,8 @@ NSString* zot::groupText(const GroupForm& form, const uint8_t* value) {
     if (i != 0) {
       text[length++] = '.';
     }
-    const int printed = std::snprintf(text + length, sizeof text - length, form.printed, value[placeOf(form, i)]);
+    const int printed =
+        std::snprintf(text + length, sizeof text - length, form.printed, value[placeOf(form, i)]);
     length += static_cast<size_t>(printed);
   }
   return [stringClass() stringWithCString:text encoding:NSASCIIStringEncoding];

@@ -1,6 +1,6 @@
 // Scrambling of stored passwords: every byte is XORed with a fixed repeating key
 // of 20 characters, and results below 0x20 are escaped, so that the scrambled
-// form is a text without control bytes that a string record can hold.
+// form is a text without zero bytes that a string record can hold.
 //
 // This hides a password from a glance at the bytes; it is no encryption.  The
 // key is part of the stored format.

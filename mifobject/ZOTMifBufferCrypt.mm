@@ -85,7 +85,7 @@ SecretBlock scrambled(NSString* password) {
     return NO;
   }
   [password setString:[stringClass() stringWithCString:reinterpret_cast<const char*>(text.bytes)
-                                         encoding:NSISOLatin1StringEncoding]];
+                                              encoding:NSISOLatin1StringEncoding]];
   return YES;
 }
 
