@@ -2,10 +2,13 @@
 //
 // A thread is known by a 32-bit handle, never 0, that belongs to it alone while
 // it lives.  A thread ends by returning, by ZotOsThreadEnd or by being cancelled;
-// nobody joins it.  It is cancelled in waits and sleeps, and within no other call of this
-// library: a worker with neither calls pthread_testcancel where it may be ended.
-// Cancelling and ZotOsThreadEnd unwind the thread's functions: a C++
-// worker must have no noexcept on that path and no catch (...) that does not rethrow.
+// nobody joins it.  It is cancelled in sleeps, in waits for a local event or a key and in
+// ZotOsMmfFlush, and within no other call of this library.  A wait for a mutex or a named
+// event goes on: such a worker is stopped through its state word.  One that does none of
+// all this calls pthread_testcancel where it may be ended.
+//
+// Cancelling and ZotOsThreadEnd unwind the thread's functions: a C++ worker must have no
+// noexcept on that path and no catch (...) that does not rethrow.
 //
 // A state word, 32 bits and owned by the caller, is shared with the worker:
 //   0  not running: written by the worker just before it returns
