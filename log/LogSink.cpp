@@ -7,13 +7,13 @@
 #include <sys/syscall.h>
 #endif
 
-#include <algorithm>
 #include <cstdio>
 
 #include "log/CLibraryLockInternal.h"
 #include "log/LogInternal.h"
 #include "log/LogLineInternal.h"
 #include "os/CancellationOff.h"
+#include "os/RepeatedOnSignalInternal.h"
 
 namespace {
 
@@ -57,12 +57,12 @@ void writeSyslog(const char* message) {
 
 // The stream's own lock keeps the lines of two threads apart.  What the program has
 // written before comes first; the line then goes past the stream's buffer in one
-// write.  The stream gets what is left of it, and all of it without a descriptor.
+// write, as streams drop what a signal interrupts.  The stream gets what is left of
+// it, and all of it without a descriptor.
 void writeStdout(std::string_view line) {
   flockfile(stdout);
   if (std::fflush(stdout) == 0) {
-    const ssize_t written = write(fileno(stdout), line.data(), line.size());
-    line.remove_prefix(static_cast<size_t>(std::max<ssize_t>(written, 0)));
+    line = writeAll(fileno(stdout), line);
   }
   if (!line.empty()) {
     std::fwrite(line.data(), 1, line.size(), stdout);

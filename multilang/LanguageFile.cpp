@@ -3,8 +3,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
+
+#include "os/RepeatedOnSignalInternal.h"
 
 namespace {
 
@@ -60,10 +61,8 @@ bool LanguageFile::readOn(size_t wanted) {
   end_ -= at_;
   at_ = 0;
   while (end_ < wanted) {
-    const ssize_t count = pread(descriptor_, piece_ + end_, sizeof piece_ - end_, pieceEnd_);
-    if (count < 0 && errno == EINTR) {
-      continue;
-    }
+    const ssize_t count =
+        repeatedOnSignal([&] { return pread(descriptor_, piece_ + end_, sizeof piece_ - end_, pieceEnd_); });
     if (count <= 0) {
       return false;
     }

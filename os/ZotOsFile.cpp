@@ -6,13 +6,13 @@
 #include <utime.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 
 #include "os/CancellationOff.h"
 #include "os/FileDescriptor.h"
 #include "os/MallocedInternal.h"
+#include "os/RepeatedOnSignalInternal.h"
 
 namespace {
 
@@ -23,27 +23,6 @@ constexpr off_t kKernelPiece = 0x40000000;  // bytes; a length that all hosts ca
 
 uint32_t succeeded(int result) {
   return result == 0 ? 1 : 0;
-}
-
-template <typename Call>
-ssize_t repeatedOnSignal(Call call) {
-  ssize_t result = 0;
-  do {
-    result = call();
-  } while (result < 0 && errno == EINTR);
-  return result;
-}
-
-bool writeAll(int to, const char* bytes, size_t count) {
-  while (count > 0) {
-    const ssize_t written = repeatedOnSignal([&] { return write(to, bytes, count); });
-    if (written <= 0) {
-      return false;
-    }
-    bytes += written;
-    count -= static_cast<size_t>(written);
-  }
-  return true;
 }
 
 // Lets the kernel move up to count bytes on from where both files stand.  What it leaves,
@@ -71,7 +50,7 @@ bool copyRest(int from, int to, char* buffer, size_t size) {
     if (count <= 0) {
       return count == 0;
     }
-    if (!writeAll(to, buffer, static_cast<size_t>(count))) {
+    if (!writeAll(to, {buffer, static_cast<size_t>(count)}).empty()) {
       return false;
     }
   }

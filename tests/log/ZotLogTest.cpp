@@ -1,10 +1,12 @@
 #include "log/ZotLog.h"
 
+#include <fcntl.h>
 #include <sys/time.h>
 #include <syslog.h>
 
 #include <algorithm>
 #include <atomic>
+#include <csignal>
 #include <cstdarg>
 #include <memory>
 #include <string_view>
@@ -142,6 +144,51 @@ TEST(LogLine, GoesToAStreamWithoutADescriptor) {
   EXPECT_EQ("before ", std::string(text, 7));
   EXPECT_STREQ(" - line\n", text + 28);
   std::free(text);
+}
+
+TEST(LogLine, IsNotLostToSignals) {
+  const TestLog log;
+  int ends[2];
+  ASSERT_EQ(0, pipe(ends));
+  fcntl(ends[1], F_SETFL, O_NONBLOCK);
+  size_t filled = 0;
+  while (write(ends[1], "#", 1) == 1) {
+    ++filled;
+  }
+  fcntl(ends[1], F_SETFL, 0);
+
+  struct sigaction interrupt {
+  }, before{};
+  interrupt.sa_handler = [](int) {};
+  sigaction(SIGALRM, &interrupt, &before);
+  sigset_t alarms;
+  sigemptyset(&alarms);
+  sigaddset(&alarms, SIGALRM);
+  pthread_sigmask(SIG_BLOCK, &alarms, nullptr);
+  std::string all;
+  std::thread reader([&] {
+    usleep(50000);  // so long is the line held up
+    char piece[4096];
+    for (ssize_t count; (count = read(ends[0], piece, sizeof piece)) > 0;) {
+      all.append(piece, static_cast<size_t>(count));
+    }
+  });
+  pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
+
+  std::fflush(stdout);
+  const int terminal = dup(STDOUT_FILENO);
+  dup2(ends[1], STDOUT_FILENO);
+  close(ends[1]);
+  const itimerval often{{0, 1000}, {0, 1000}}, never{};
+  setitimer(ITIMER_REAL, &often, nullptr);
+  ZotOsvLog(pstLog, 4, "line");
+  setitimer(ITIMER_REAL, &never, nullptr);
+  dup2(terminal, STDOUT_FILENO);
+  close(terminal);
+  reader.join();
+  close(ends[0]);
+  sigaction(SIGALRM, &before, nullptr);
+  EXPECT_EQ(" - line\n", all.substr(filled + std::min<size_t>(21, all.size() - filled)));
 }
 
 TEST(LogLine, StaysWholeBesideOtherThreads) {
