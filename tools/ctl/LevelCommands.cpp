@@ -75,11 +75,11 @@ tool::Exit clearLevel(const std::vector<std::string>& names, Streams streams) {
 }
 
 tool::Exit watchLevel(uint32_t every, bool json, Streams streams) {
-  std::optional<std::optional<uint32_t>> shown;  // nothing before the first look
-  for (;; usleep(every * 1000)) {
+  std::optional<uint32_t> shown;  // nothing while no client is there
+  for (bool first = true;; first = false, usleep(every * 1000)) {
     const auto block = readBlock();
     const auto level = block ? std::optional(block->level) : std::nullopt;
-    if (shown == std::optional(level)) {
+    if (!first && level == shown) {
       continue;
     }
     shown = level;

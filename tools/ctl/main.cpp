@@ -42,7 +42,8 @@ std::vector<std::string> commandBehind(int& argc, char** argv) {
 // commandStatus: the exit status of the command that "level with" has run.
 void addLevelWith(CommandLine& line, CLI::App* level, Options& options, Streams streams, int& commandStatus) {
   CLI::App* const command = line.add(
-      "with", "Set bits for as long as a command runs", "zot-ctl level with trace,stdout -- sleep 60",
+      "with", "Set bits for as long as the command behind -- runs",
+      "zot-ctl level with trace,stdout -- sleep 60",
       [&options, &commandStatus, streams] {
         if (options.childCommand.empty()) {
           throw tool::Failure("level with NAMES -- COMMAND: the command is missing");
