@@ -72,8 +72,8 @@ int CommandLine::run(int argc, char** argv) {
     app_.parse(argc, argv);
   } catch (const CLI::Success& wanted) {  // --help, --version
     app_.exit(wanted);
-    return std::cout.good() ? statusOf(Exit::Done)
-                            : complain(program, "standard output could not be written");
+    return std::cout.flush() ? statusOf(Exit::Done)
+                             : complain(program, "standard output could not be written");
   } catch (const CLI::ParseError& error) {
     return complainOf(error, app_);
   }

@@ -106,6 +106,10 @@ void Input::Close::operator()(std::FILE* stream) const {
 
 Input::Input(const std::string& path)
     : name_(shownName(path)), stream_(path == "-" ? stdin : std::fopen(path.c_str(), "rb")) {
+  static bool standardInputTaken = false;
+  if (stream_.get() == stdin && std::exchange(standardInputTaken, true)) {
+    throw Failure(fmt::format("{}: standard input can be read only once", name_));
+  }
   struct stat status {};
   if (stream_ == nullptr) {
     failed();

@@ -17,7 +17,7 @@ void addBuild(CommandLine& line, lang::BuildOptions& options, Output& errors) {
                                      "zot-lang build de.po fr.po --base texts -o share/texts",
                                      [&] { return lang::build(options, errors); });
   command->add_option("CATALOGUE", options.catalogues, "Catalogues (.po), or a template (.pot) for English")
-      ->type_name("...")
+      ->type_name("")
       ->required();
   command
       ->add_option("-o,--output", options.output,
@@ -52,7 +52,7 @@ void addCheck(CommandLine& line, lang::CheckOptions& options, Output& output, Ou
       "check", "Tell what is wrong with language files or catalogues, and where",
       "zot-lang check de.po fr.po --against texts.pot", [&] { return lang::check(options, output, errors); });
   command->add_option("FILE", options.files, "Language files or catalogues; - is standard input")
-      ->type_name("...")
+      ->type_name("")
       ->required();
   addAgainst(command, options.against);
   tool::addOrder(command, options.order, "Byte order that the files must have; without it this host's");
@@ -64,7 +64,7 @@ void addStats(CommandLine& line, lang::StatsOptions& options, Output& output, Ou
       line.add("stats", "Count the texts translated, missing, and same as the reference",
                "zot-lang stats share/texts.* --against share/texts.en",
                [&] { return lang::stats(options, output, errors); });
-  command->add_option("FILE", options.files, "Language files or catalogues")->type_name("...")->required();
+  command->add_option("FILE", options.files, "Language files or catalogues")->type_name("")->required();
   addAgainst(command, options.against)->required();
   tool::addJson(command, options.json);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/common/JsonList.h"
+#include "tools/common/Progress.h"
 #include "tools/common/Text.h"
 #include "tools/mif/Commands.h"
 #include "tools/mif/Reading.h"
@@ -63,6 +64,9 @@ class Differences {
     tool::Json element = {{"change", change}};
     if (some.part.type == Part::Type::Record) {
       element["oid"] = some.part.oid;
+      if (const Field* const field = view_.fields.find(some.part.oid)) {
+        element["name"] = field->name;
+      }
       element["occurrence"] = some.occurrence;
     } else {
       element[some.part.type == Part::Type::End ? "end" : "rest"] = true;
@@ -82,6 +86,9 @@ class Differences {
       side["length"] = entry.part.length();
       side["kind"] = nameOf(reading.kind);
       side["value"] = reading.text;
+      if (entry.part.missing != 0) {
+        side["missing"] = entry.part.missing;
+      }
     } else if (entry.part.type == Part::Type::Rest) {
       side["value"] = hexText(entry.part.value);
     }
@@ -145,7 +152,9 @@ tool::Exit diff(const DiffOptions& options, tool::Output& output) {
   const View view{fields, options.reveal};
   Differences differences(view, options.json, output);
   uint64_t furthest = 0;  // of the common records seen so far, in the second file
+  tool::Progress progress("comparing records", a.size());
   for (const Entry& entry : a) {
+    progress.at(static_cast<uint64_t>(&entry - a.data()));
     const Entry* const other = find(sortedB, entry);
     if (other == nullptr) {
       differences.removed(entry, first.order());

@@ -10,6 +10,8 @@ namespace mif {
 
 namespace {
 
+constexpr const char* kBlanks = " \t\r\n\v\f";
+
 [[noreturn]] void refuseHex(const std::string& name, std::string_view text, size_t at,
                             const std::string& what) {
   const auto line = std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n') + 1;
@@ -19,14 +21,15 @@ namespace {
 std::vector<unsigned char> bytesFromHexFile(const std::string& file) {
   // Each byte may be followed by some blanks and a newline.
   const std::string text = tool::readWhole(file, 8 * kMostBytes);
-  const size_t wrong = text.find_first_not_of("0123456789abcdefABCDEF \t\r\n\v\f");
+  const size_t wrong = text.find_first_not_of(std::string("0123456789abcdefABCDEF") + kBlanks);
   if (wrong != text.npos) {
     refuseHex(tool::shownName(file), text, wrong,
               fmt::format("'{}' is no hexadecimal digit", tool::visible(text.substr(wrong, 1))));
   }
   auto bytes = bytesFromHex(text);
   if (!bytes) {
-    refuseHex(tool::shownName(file), text, text.size(), "half a byte: the count of digits is odd");
+    refuseHex(tool::shownName(file), text, text.find_last_not_of(kBlanks),
+              "half a byte: the count of digits is odd");
   }
   return *bytes;
 }

@@ -82,7 +82,7 @@ void addCheck(CommandLine& line, mif::CheckOptions& options, Output& output, Out
                                      "zot-mif check --fields fields.txt *.mif",
                                      [&] { return mif::check(options, output, errors); });
   command->add_option("FILE", options.files, "The files to read; - is standard input")
-      ->type_name("...")
+      ->type_name("")
       ->required();
   addInput(command, options.input);
   tool::addJson(command, options.json);
