@@ -24,10 +24,10 @@
   ServiceCall* call;
   NSTimer* timer;
   SharedLog* sharedLog;
-  int outcome;
-  int underWay;  // the Request that the call asks; 0: none
-  int waiting;   // the one to send after it
-  BOOL touched;  // something was typed
+  uint32_t outcome;
+  uint32_t underWay;  // the Request that the call asks; 0: none
+  uint32_t waiting;   // the one to send after it
+  BOOL touched;       // something was typed
 }
 
 // directory is where the service runs; the log outlives the window.

@@ -35,7 +35,7 @@ constexpr Language kLanguages[] = {
 - (void)profileChanged;
 - (void)send:(Request)request;
 - (void)ask:(Request)request;
-- (void)showOutcome:(int)number;
+- (void)showOutcome:(uint32_t)number;
 @end
 
 @implementation SettingsWindow
@@ -149,7 +149,7 @@ constexpr Language kLanguages[] = {
 }
 
 - (void)selectTab:(NSUInteger)index {
-  [tabView selectTabViewItemAtIndex:index];
+  [tabView selectTabViewItemAtIndex:static_cast<NSInteger>(index)];
 }
 
 - (void)showLanguage:(int)number {
@@ -161,7 +161,7 @@ constexpr Language kLanguages[] = {
   for (NSUInteger i = 0; i < [tabs count]; ++i) {
     id<Tab> tab = [tabs objectAtIndex:i];
     [tab showTexts:texts];
-    [[tabView tabViewItemAtIndex:i] setLabel:[texts textOf:[tab element]]];
+    [[tabView tabViewItemAtIndex:static_cast<NSInteger>(i)] setLabel:[texts textOf:[tab element]]];
   }
   [texts labelView:[window contentView]];
   [self showOutcome:outcome];
@@ -315,7 +315,7 @@ constexpr Language kLanguages[] = {
 
 - (void)ask:(Request)request {
   const BOOL sent = [call send:[profile messageFor:request]];
-  underWay = sent ? static_cast<int>(request) : 0;
+  underWay = sent ? static_cast<uint32_t>(request) : 0;
   if (request != kRequestRead) {
     [self showOutcome:sent ? kSending : kNoAnswer];
   }
@@ -325,7 +325,7 @@ constexpr Language kLanguages[] = {
   const Outcome came = [call outcome];
   ZotOsvLog(*sharedLog, ZOT_LOG_TRACE, "TRACE window: %lu bytes answered, outcome %u (pid=%d)",
             static_cast<unsigned long>([[call answer] length]), came, getpid());
-  const int asked = underWay;
+  const uint32_t asked = underWay;
   underWay = 0;
   if (asked == kRequestRead) {
     // The stored profile; what was typed meanwhile counts more.
@@ -349,7 +349,7 @@ constexpr Language kLanguages[] = {
   [self showOutcome:came == kRead ? kNonsense : came];
 }
 
-- (void)showOutcome:(int)number {
+- (void)showOutcome:(uint32_t)number {
   outcome = number;
   NSView* content = [window contentView];
   [[content viewWithTag:kApply] setEnabled:number != kSending];
