@@ -15,9 +15,10 @@ export LC_ALL
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# Two constructors or destructors of a class may share their demangled name.
+# Two constructors or destructors of a class may share their demangled name.  Not every
+# program that lists symbols can demangle one with a version behind it.
 exports_of() {
-  "${NM:-nm}" -D --defined-only -C "$1" | sed "/ A $node/d; s/^[0-9a-f]* *[A-Za-z] //; s/@@$node\$//" | sort -u
+  "${NM:-nm}" -D --defined-only "$1" | sed "/ A $node/d; s/^[0-9a-f]* *[A-Za-z] //; s/@@$node\$//" | c++filt | sort -u
 }
 exports_of "$core" >"$work/core"
 : >"$work/objects"
