@@ -36,8 +36,7 @@ struct SharedWord {
   }
   // Makes the word at least `least`.
   void raise(Word least) {
-    for (Word seen = load(); seen < least && !replace(seen, least);) {
-      seen = load();
+    for (Word seen = load(); seen < least && !replace(seen, least); seen = load()) {
     }
   }
 

@@ -78,7 +78,7 @@ INTERRUPTED(ssize_t, write, (int file, const void* bytes, size_t count), (file, 
 INTERRUPTED(ssize_t, copy_file_range,
             (int from, off64_t* fromAt, int to, off64_t* toAt, size_t count, unsigned int flags),
             (from, fromAt, to, toAt, count, flags))
-FAILING(ssize_t, pread64, (int file, void* bytes, size_t count, off64_t at), (file, bytes, count, at), -1)
+INTERRUPTED(ssize_t, pread64, (int file, void* bytes, size_t count, off64_t at), (file, bytes, count, at))
 FAILING(int, access, (const char* path, int mode), (path, mode), -1)
 FAILING(int, fchmod, (int file, mode_t mode), (file, mode), -1)
 FAILING(int, fchown, (int file, uid_t owner, gid_t group), (file, owner, group), -1)

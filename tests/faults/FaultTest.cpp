@@ -62,6 +62,22 @@ TEST_P(Fault, OfTheSystem) {
 INSTANTIATE_TEST_SUITE_P(Life, Fault, testing::ValuesIn(allLives()),
                          [](const auto& life) { return std::string(life.param.name); });
 
+// What a process makes once and keeps can only be missing in one that has not lived yet.
+class FirstLife : public Fault {};
+
+TEST_P(FirstLife, GoesOnWithoutWhatIsMadeOnce) {
+  for (bool (*const next)(unsigned int) : {survives<FailingHeap>, survives<FailingCall>}) {
+    int code = 1;
+    for (unsigned int n = 0; code == 1; ++n) {
+      code = runInChild([=] { return next(n) ? 1 : 0; });
+    }
+    EXPECT_EQ(0, code);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Life, FirstLife, testing::Values(allLives().front()),
+                         [](const auto& life) { return std::string(life.param.name); });
+
 class Signals : public Fault {};
 
 TEST_P(Signals, InterruptOnlyForAMoment) {

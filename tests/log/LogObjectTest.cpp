@@ -129,6 +129,8 @@ TEST(LogObject, AttachesACallersHandleOrNothing) {
   EXPECT_EQ(0u, fnfOpenShm(&first, &word, &level));
   EXPECT_EQ(&word, level);
   fnvCloseShm(&first);
+  EXPECT_EQ((Words{0, 0, 0}), (Words{fnfOpenShm(nullptr, &word, &level), fnfOpenShm(&first, nullptr, &level),
+                                     fnfOpenShm(&first, &word, nullptr)}));
   EXPECT_EQ(nullptr, ZotOspLogNew());
   EXPECT_EQ(-1, shmget(0x8009, 0, 0)) << "who cannot attach removes it";
   const FailingHeap none;

@@ -81,7 +81,8 @@ TEST(LogLine, IsStampMessageAndNewline) {
       {{946684799, 7000}, "99-11-31 23:59:59,007"},
       {{946684800, 0}, "100-00-01 00:00:00,000"},  // the year 2000 alone has three digits
       {{978307200, 999999}, "01-00-01 00:00:00,999"},
-      {{-1, 0}, "01-00-01 00:00:00,999"},  // without a clock: the last one again
+      {{-1, 0}, "01-00-01 00:00:00,999"},                              // without a clock: the last one again
+      {{static_cast<time_t>(INT64_MAX), 0}, "01-00-01 00:00:00,999"},  // in a year too large, too
   };
   for (const auto& [time, stamp] : cases) {
     pinnedTime = time;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "mif/Mif32.h"
+#include "support/FailingHeap.h"
 #include "tests/mif/MifBytes.h"
 #include "tests/mifobject/ObjectFixture.h"
 
@@ -36,6 +37,11 @@ TEST_F(MifBuffer, IsOneRecordBufferToTheRunTime) {
   EXPECT_STREQ("mif32", ivar_getName(ivars[0]));
   EXPECT_STREQ("^{Mif32=*IIcc}", ivar_getTypeEncoding(ivars[0]));
   free(ivars);
+}
+
+TEST_F(MifBuffer, IsNilWithoutMemoryForItsRecords) {
+  const FailingHeap heap;
+  EXPECT_EQ(nil, [[ZOTMifBuffer alloc] init]);
 }
 
 TEST_F(MifBuffer, AddsUnderOidsModulo65536) {

@@ -150,6 +150,7 @@ TEST_F(Loader, RefusesWhatItCannotGuardAndIsForgottenByWhatAClientTakesOut) {
   const auto other = [](const FailingHeap&) { return std::make_unique<ZOT_MultiLanguage>(); };
   auto lockless = other(FailingHeap(0)), gone = other(FailingHeap(1));
   Table stranger = empty(nullptr), table = empty(gone.get());
+  empty(lockless.get()).reset();
   EXPECT_EQ(0u, lockless->ptListAdd(stranger.get()));
   gone->ptListAdd(table.get());
   loader.unregisterChild(table.get());

@@ -88,6 +88,11 @@ TEST_F(MultiLang, LoadsAFormInTheLanguageWanted) {
   EXPECT_EQ("RD  more", shown(0, @"x")) << "of any element";
 }
 
+TEST_F(MultiLang, IsNilWithoutMemoryForItsLoader) {
+  const FailingHeap heap;
+  EXPECT_EQ(nil, [[ZOTMultiLang alloc] init]);
+}
+
 TEST_F(MultiLang, AFailedLoadLeavesTheDefaults) {
   const auto onlyDefaults = [&] {
     EXPECT_EQ("12 (Text missing)", shown(12));

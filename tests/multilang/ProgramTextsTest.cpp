@@ -148,7 +148,7 @@ TEST_F(ProgramTextsTest, FindsTheFirstWithAndWithoutMemoryForAnIndex) {
     std::map<uint64_t, std::string> byPair;
     std::map<uint32_t, std::string> bySub;
     table.ClearAllTexts();
-    for (uint64_t i = 1; i <= 300; ++i) {
+    for (uint64_t i = 1; i <= 301; ++i) {
       const std::string text = std::to_string(i);
       const auto sub = static_cast<uint32_t>(pairOf(kind, i));
       byPair.emplace(pairOf(kind, i), text);

@@ -90,8 +90,9 @@ TEST_F(Find, RefusesNullsAndClosesWhatIsNotOpen) {
   find.dir = reinterpret_cast<DIR*>(&find);
   EXPECT_EQ(0u, ZotOsFindFirst(&find, nullptr, name, nullptr, nullptr, nullptr));
   EXPECT_EQ(nullptr, find.dir);
-  EXPECT_EQ((Results{0, 0, 1}),
-            (Results{ZotOsFindFirst(&find, "logs/*", nullptr, nullptr, nullptr, nullptr),
+  EXPECT_EQ((Results{0, 0, 0, 1}),
+            (Results{ZotOsFindFirst(nullptr, "logs/*", name, nullptr, nullptr, nullptr),
+                     ZotOsFindFirst(&find, "logs/*", nullptr, nullptr, nullptr, nullptr),
                      ZotOsFindNext(&find, name, nullptr, nullptr, nullptr), ZotOsFindClose(&find)}));
 }
 

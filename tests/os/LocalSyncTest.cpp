@@ -88,6 +88,10 @@ TEST_F(LocalSync, OneSetWakesEveryWaiterAndACancelledOneHoldsNothing) {
 TEST_F(LocalSync, AnEventTakesAnyWakeUpAndReportsErrors) {
   syncCalls.pthread_cond_wait = {-1, EPERM};
   EXPECT_EQ((Results{1001, 0}), (Results{wait(UINT32_MAX), wait(UINT32_MAX)})) << "first woken by nobody";
+  syncCalls.pthread_cond_wait = {-1};
+  syncCalls.pthread_mutex_unlock = {EPERM};
+  EXPECT_EQ(0u, wait(UINT32_MAX)) << "woken, but the lock stays taken";
+  EXPECT_EQ(0, pthread_mutex_unlock(&event->lock));
   syncCalls.pthread_mutex_lock = {EINVAL, EINVAL, EINVAL};
   EXPECT_EQ((Results{0, 0, 0}), (Results{wait(0), set(), ZotOsEventReset(event)}));
 }

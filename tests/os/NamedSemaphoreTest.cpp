@@ -167,6 +167,8 @@ TEST_F(Named, AnOpenNeedsALogObjectAndDoesNotSetTheTableUp) {
   EXPECT_EQ((Words{1, 0, 1, 0}), words(0));
   EXPECT_EQ(0u, fIncNamedSemCnt(1)) << "no block";
   EXPECT_EQ(1u, ZotOsClose(-1, 'E'));
+  EXPECT_EQ(1u, ZotOsClose(semget(kKey, 1, IPC_CREAT | 0600), 'E'));
+  EXPECT_EQ(-1, semget(kKey, 0, 0)) << "nobody can count it, so it is removed";
 
   // The failed attachment removes the segment for everybody, so this comes last.
   const Output refused = captured([&] {
@@ -310,6 +312,7 @@ TEST_F(Named, FailuresAreTold) {
   const uint32_t started = ZotOsGetTimeInmSec();
   const auto text = lines([&] {
     int32_t other = 77;
+    EXPECT_EQ(0u, ZotOsCreate(nullptr, 0xABCD, 1, 'M') + ZotOsOpen(nullptr, kKey, 'M'));
     syncCalls.semget = {ENOSPC, EEXIST, ENOENT};
     EXPECT_EQ(0u, ZotOsCreate(&other, 0xABCD, 1, 'M'));
     EXPECT_EQ(-1, other);

@@ -91,6 +91,9 @@ TEST(ComputerName, IsCutWhenItDoesNotFit) {
   EXPECT_EQ(std::pair(std::string(whole), length), std::pair(std::string(name), size));
   EXPECT_EQ(0u, ZotOsGetComputerName(name, &size)) << "without room for the terminator";
   EXPECT_EQ(std::pair(std::string(whole, length - 1), length), std::pair(std::string(name), size));
+  uint32_t none = 0;
+  EXPECT_EQ(0u, ZotOsGetComputerName(nullptr, &size) + ZotOsGetComputerName(name, nullptr) +
+                    ZotOsGetComputerName(name, &none));
 }
 
 // A terminal whose keys the test presses.  Through their end it also sees the

@@ -15,7 +15,8 @@
 #include "support/LogFixture.h"
 #include "support/TemporaryDirectory.h"
 
-static zot_test::CallScript creations;  // each a code to return, or 0
+// Of each call the code to return, or 0.
+static zot_test::CallScript creations, attributes, keys, places;
 
 // The linker's --wrap option sends the calls here.
 extern "C" {
@@ -23,6 +24,9 @@ extern "C" {
 ZOT_SCRIPTED(creations, int, pthread_create,
              (pthread_t * id, const pthread_attr_t* how, void* (*run)(void*), void* arg), (id, how, run, arg),
              entry)
+ZOT_SCRIPTED(attributes, int, pthread_attr_init, (pthread_attr_t * made), (made), entry)
+ZOT_SCRIPTED(keys, int, pthread_key_create, (pthread_key_t * made, void (*end)(void*)), (made, end), entry)
+ZOT_SCRIPTED(places, int, pthread_setspecific, (pthread_key_t key, const void* value), (key, value), entry)
 
 // Registers what is to run when the thread ends.  The C library ends the whole process
 // when it has no memory for that.
@@ -137,6 +141,26 @@ TEST_F(Thread, StartsWithoutMemoryOfItsOwn) {
   EXPECT_EQ(0, threadExits);
 }
 
+TEST_F(Thread, IsOnlyMadeWhereItsEndWillBeSeen) {
+  const auto begin = [&] {
+    keys = {EAGAIN};
+    uint32_t handle = 77;
+    const uint32_t begun = ZotOsThreadBegin(&handle, returnAtOnce, 0, &ended);
+    EXPECT_EQ(keys.empty(), begun == 0 && handle == 0) << "who has the key asks for no other";
+    return 0;
+  };
+  EXPECT_EQ(0, runInChild(begin)) << "in a process of its own, which never gets the key";
+}
+
+TEST_F(Thread, IsNotCancelledWithoutAPlaceForItsHandle) {
+  places = {ENOMEM};
+  uint32_t handle = 0, state = 0;
+  ASSERT_EQ(1u, ZotOsThreadStart(&handle, &state, obey, &state));
+  EXPECT_TRUE(allGone()) << "out of the registry";
+  EXPECT_EQ(0u, ZotOsThreadCancel(&handle));
+  EXPECT_EQ(1u, ZotOsThreadStop(nullptr, &state, 0, nullptr, 0, "rx")) << "it runs all the same";
+}
+
 class Cancelled : public TemporaryDirectory {};
 
 TEST_F(Cancelled, CallsThatChangeSomethingFinishFirst) {
@@ -179,18 +203,21 @@ TEST_F(Thread, HandlesSkipZeroAndTheLiving) {
 }
 
 TEST_F(Thread, TellsHowItBeginsAndClearsWhatDidNot) {
-  uint32_t handle = 77, failed = 77, started = 77, state = 0;
+  uint32_t handle = 77, failed = 77, started = 77, unset = 77, state = 0;
   const auto lines = told([&] {
     EXPECT_EQ(1u, ZotOsThreadBegin(&handle, returnAtOnce, 0, &ended));
     creations = {EAGAIN, EAGAIN};
     EXPECT_EQ(0u, ZotOsThreadBegin(&failed, returnAtOnce, 0, &ended));
     EXPECT_EQ(0u, ZotOsThreadStart(&started, &state, returnAtOnce, &ended));
     EXPECT_EQ(0u, ZotOsThreadBegin(nullptr, returnAtOnce, 0, &ended));
+    attributes = {ENOMEM};
+    EXPECT_EQ(0u, ZotOsThreadBegin(&unset, returnAtOnce, 0, &ended));
   });
-  EXPECT_EQ(0u, failed + started + state);
+  EXPECT_EQ(0u, failed + started + state + unset);
   EXPECT_EQ(filled(R"(TRACE ZotOsThreadBegin: ok (IDS)
 ERROR ZotOsThreadBegin: failed (11=Resource temporarily unavailable IDS)
 ERROR ZotOsThreadBegin: failed (11=Resource temporarily unavailable IDS)
+ERROR ZotOsThreadBegin: init failed (12=Cannot allocate memory IDS)
 )"),
             lines);
 }
