@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -18,9 +19,9 @@ void fnvLogData(uint32_t toStdout, const void* data, long length, int mode, cons
 void fnvvLogData(uint32_t toStdout, const void* data, long length, int mode, const char* format, va_list args)
     ZOT_PRINTF(5, 0);
 
-// Writes prefix and message to standard output, or the message alone to the system
-// log.  The message stands right behind the prefix and has a terminator.
-void vWrLog(uint32_t toStdout, std::string_view prefix, std::string_view message);
+// Writes a line to standard output, or what stands behind its prefix to the system log.
+// The line has a terminator.
+void vWrLog(uint32_t toStdout, std::string_view line, size_t prefixLength);
 
 // The time of day as a log line shows it, in the zone that the process has at the
 // moment; the calling thread's last one, or at first an empty text, when there is no

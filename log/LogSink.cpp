@@ -75,14 +75,14 @@ void writeStdout(std::string_view line) {
 
 std::atomic<uint32_t> dLogOpen{0};
 
-void vWrLog(uint32_t toStdout, std::string_view prefix, std::string_view message) {
+void vWrLog(uint32_t toStdout, std::string_view line, size_t prefixLength) {
   // A thread that is cancelled here would take the stream's lock along; compilers
   // think that writing cannot unwind, so no destructor would give it back.
   const CancellationOff uncancelled;
   if (toStdout != 0) {
-    writeStdout({prefix.data(), prefix.size() + message.size()});
+    writeStdout(line);
   } else {
-    writeSyslog(message.data());
+    writeSyslog(line.data() + prefixLength);
   }
 }
 

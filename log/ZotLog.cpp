@@ -51,9 +51,7 @@ class Line {
   // Room for a message of kMessageSize, with its terminator.
   char* message() { return text_ + prefix_; }
 
-  void write(uint32_t toStdout, size_t length) const {
-    vWrLog(toStdout, {text_, prefix_}, {text_ + prefix_, length});
-  }
+  void write(uint32_t toStdout, size_t length) const { vWrLog(toStdout, {text_, prefix_ + length}, prefix_); }
 
  private:
   char text_[kPrefixSize - 1 + kMessageSize];
