@@ -103,7 +103,7 @@ void checkSentence(int element, int subElement, void* context) {
 
 void checkTabs(Report& report, int language, ZOTMultiLang* expected, SettingsWindow* settings) {
   for (NSUInteger i = 0; i < [[settings tabs] count]; ++i) {
-    id<Tab> tab = [[settings tabs] objectAtIndex:i];
+    TabPage<Tab>* tab = [[settings tabs] objectAtIndex:i];
     NSView* page = [tab view];
     [settings selectTab:i];
     NSString* label = textIn(expected, [tab element], 0);

@@ -13,17 +13,30 @@ constexpr CGFloat kHexSize = 11;  // of the characters in a hex view
 @interface Page : NSView
 @end
 
-// What every tab of the window is.
+// What each tab of the window has its own way to do.
 @protocol Tab
-- (NSView*)view;
 - (NSInteger)element;  // of the tab's title
-// Puts the texts of the language on all that shows.
-- (void)showTexts:(Texts*)texts;
 // The size below which something would be cut, with the texts that show.
 - (NSSize)smallestSize;
 - (void)layOut:(NSSize)size;
 // Shows what has changed; comes after every change and four times a second.
 - (void)refresh;
+@end
+
+// What all tabs have alike.
+@interface TabPage : NSObject {
+ @protected
+  Page* page;         // empty at first
+  Texts* shownTexts;  // nil before the first language
+}
+
+- (id)init;
+- (void)dealloc;
+
+- (NSView*)view;
+// Puts the texts of the language on all that shows: here, on the page's own controls.
+- (void)showTexts:(Texts*)texts;
+
 @end
 
 // A text that the user does not change.  Its tag is the element of its text, or 0.

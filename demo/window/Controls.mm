@@ -12,6 +12,35 @@
 }
 @end
 
+@implementation TabPage
+
+- (id)init {
+  self = [super init];
+  if (self != nil) {
+    page = [[Page alloc] initWithFrame:NSZeroRect];
+  }
+  return self;
+}
+
+- (void)dealloc {
+  [shownTexts release];
+  [page release];
+  [super dealloc];
+}
+
+- (NSView*)view {
+  return page;
+}
+
+- (void)showTexts:(Texts*)texts {
+  [texts retain];
+  [shownTexts release];
+  shownTexts = texts;
+  [texts labelView:page];
+}
+
+@end
+
 NSTextField* makeText(NSInteger element) {
   NSTextField* text = [[[NSTextField alloc] initWithFrame:NSZeroRect] autorelease];
   [text setTag:element];

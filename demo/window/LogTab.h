@@ -5,12 +5,11 @@
 
 #include "SharedLog.h"
 
-@interface LogTab : NSObject <Tab> {
+@interface LogTab : TabPage <Tab> {
  @private
   SharedLog* sharedLog;
   struct LogFile* files;
   std::vector<struct LogLine>* lines;
-  Page* page;
   NSButton* boxes[5];
   TextTable* table;
 }

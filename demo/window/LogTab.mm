@@ -75,7 +75,6 @@ struct LogFile {
     files = new LogFile[kPrograms]{{@"window", directory + "/window.log"},
                                    {@"service", directory + "/service.log"}};
     lines = new std::vector<LogLine>;
-    page = [[Page alloc] initWithFrame:NSZeroRect];
     [page addSubview:makeText(kLevels)];
     for (size_t i = 0; i < std::size(kLevelBoxes); ++i) {
       boxes[i] = makeCheckBox(kLevelBoxes[i].element, self, @selector(levelChosen:));
@@ -91,12 +90,7 @@ struct LogFile {
 - (void)dealloc {
   delete[] files;
   delete lines;
-  [page release];
   [super dealloc];
-}
-
-- (NSView*)view {
-  return page;
 }
 
 - (NSInteger)element {
@@ -162,7 +156,7 @@ struct LogFile {
 }
 
 - (void)showTexts:(Texts*)texts {
-  [texts labelView:page];
+  [super showTexts:texts];
   [table showTexts:texts];
 }
 

@@ -43,12 +43,10 @@ OnlyWindow::OnlyWindow(const std::string& directory) {
     return;
   }
   mine_ = tryToTake();
-  if (!mine_) {
-    // A process that is killed leaves its mutex taken; the kernel knows who took it.
-    if (!isWindow(semctl(mutex_->semId, 0, GETPID))) {
-      ZotOsMutexRelease(mutex_);
-      mine_ = tryToTake();
-    }
+  // A process that is killed leaves its mutex taken; the kernel knows who took it.
+  if (!mine_ && !isWindow(semctl(mutex_->semId, 0, GETPID))) {
+    ZotOsMutexRelease(mutex_);
+    mine_ = tryToTake();
   }
   close(lock);
 }

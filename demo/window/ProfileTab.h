@@ -2,13 +2,11 @@
 #import "Controls.h"
 #import "Profile.h"
 
-@interface ProfileTab : NSObject <Tab, NSTextFieldDelegate> {
+@interface ProfileTab : TabPage <Tab, NSTextFieldDelegate> {
  @private
   Profile* profile;
   id owner;
   SEL changed;
-  Texts* shownTexts;
-  Page* page;
   NSTextField* fields[kEntryCount];
   NSTextField* hints[kOidKey - kOidName + 1];
   BOOL told[kOidKey - kOidName + 1];  // a field's fault shows

@@ -35,7 +35,6 @@ constexpr Row kRows[] = {
     profile = [shown retain];
     owner = target;
     changed = action;
-    page = [[Page alloc] initWithFrame:NSZeroRect];
     for (const Row& row : kRows) {
       [page addSubview:makeText(row.oid)];
       for (int entry = row.first; entry <= row.last; ++entry) {
@@ -66,14 +65,8 @@ constexpr Row kRows[] = {
   for (NSTextField* field : fields) {
     [field setDelegate:nil];
   }
-  [page release];
-  [shownTexts release];
   [profile release];
   [super dealloc];
-}
-
-- (NSView*)view {
-  return page;
 }
 
 - (NSInteger)element {
@@ -143,10 +136,7 @@ constexpr Row kRows[] = {
 }
 
 - (void)showTexts:(Texts*)texts {
-  [texts retain];
-  [shownTexts release];
-  shownTexts = texts;
-  [texts labelView:page];
+  [super showTexts:texts];
   [self showHints];
 }
 

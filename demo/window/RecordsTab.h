@@ -2,12 +2,10 @@
 #import "Controls.h"
 #include "Profile.h"
 
-@interface RecordsTab : NSObject <Tab> {
+@interface RecordsTab : TabPage <Tab> {
  @private
   Profile* profile;
-  Texts* shownTexts;
   NSData* message;
-  Page* page;
   TextTable* table;
   NSScrollView* hexFrame;
   NSTextView* hex;

@@ -49,7 +49,6 @@ NSString* hexText(Bytes bytes) {
   self = [super init];
   if (self != nil) {
     profile = [shown retain];
-    page = [[Page alloc] initWithFrame:NSZeroRect];
     [page addSubview:makeText(kMessage)];
     table = [[[TextTable alloc] initWithColumns:kColumns samples:kSamples
                                           count:std::size(kColumns)] autorelease];
@@ -65,15 +64,9 @@ NSString* hexText(Bytes bytes) {
 
 - (void)dealloc {
   [table setTarget:nil selected:nullptr];
-  [page release];
   [message release];
-  [shownTexts release];
   [profile release];
   [super dealloc];
-}
-
-- (NSView*)view {
-  return page;
 }
 
 - (NSInteger)element {
@@ -161,10 +154,7 @@ NSString* hexText(Bytes bytes) {
 }
 
 - (void)showTexts:(Texts*)texts {
-  [texts retain];
-  [shownTexts release];
-  shownTexts = texts;
-  [texts labelView:page];
+  [super showTexts:texts];
   [table showTexts:texts];
   [self showRecords];
 }

@@ -159,7 +159,7 @@ constexpr Language kLanguages[] = {
   [languages synchronizeTitleAndSelectedItem];
   [window setTitle:[texts textOf:kWindowTitle]];
   for (NSUInteger i = 0; i < [tabs count]; ++i) {
-    id<Tab> tab = [tabs objectAtIndex:i];
+    TabPage<Tab>* tab = [tabs objectAtIndex:i];
     [tab showTexts:texts];
     [[tabView tabViewItemAtIndex:static_cast<NSInteger>(i)] setLabel:[texts textOf:[tab element]]];
   }
@@ -186,7 +186,7 @@ constexpr Language kLanguages[] = {
   tabView = [[[NSTabView alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
   for (NSUInteger i = 0; i < [tabs count]; ++i) {
     NSTabViewItem* item = [[[RoomyTabItem alloc] initWithIdentifier:nil] autorelease];
-    [item setView:[(id<Tab>)[tabs objectAtIndex:i] view]];
+    [item setView:[(TabPage<Tab>*)[tabs objectAtIndex:i] view]];
     [tabView addTabViewItem:item];
   }
   [content addSubview:tabView];
@@ -225,7 +225,7 @@ constexpr Language kLanguages[] = {
 - (void)resizeToTexts {
   NSSize page = NSZeroSize;
   for (NSUInteger i = 0; i < [tabs count]; ++i) {
-    const NSSize smallest = [(id<Tab>)[tabs objectAtIndex:i] smallestSize];
+    const NSSize smallest = [(TabPage<Tab>*)[tabs objectAtIndex:i] smallestSize];
     page = NSMakeSize(std::max(page.width, smallest.width), std::max(page.height, smallest.height));
   }
   const NSRect whole = NSMakeRect(0, 0, 1000, 1000);
@@ -260,7 +260,7 @@ constexpr Language kLanguages[] = {
   CGFloat y = size.height - [self heightBelowTabs];
   [tabView setFrame:NSMakeRect(kMargin, kMargin, width, y - kMargin)];
   for (NSUInteger i = 0; i < [tabs count]; ++i) {
-    id<Tab> tab = [tabs objectAtIndex:i];
+    TabPage<Tab>* tab = [tabs objectAtIndex:i];
     [[tab view] setFrame:[tabView contentRect]];
     [tab layOut:[tabView contentRect].size];
   }
@@ -284,7 +284,7 @@ constexpr Language kLanguages[] = {
 
 - (void)refresh {
   for (NSUInteger i = 0; i < [tabs count]; ++i) {
-    [(id<Tab>)[tabs objectAtIndex:i] refresh];
+    [(TabPage<Tab>*)[tabs objectAtIndex:i] refresh];
   }
 }
 

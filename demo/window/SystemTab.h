@@ -2,17 +2,14 @@
 #import "Controls.h"
 #include "SharedLog.h"
 
-@interface SystemTab : NSObject <Tab> {
+@interface SystemTab : TabPage <Tab> {
  @private
   SharedLog* sharedLog;
-  Texts* shownTexts;
-  Page* page;
   TextTable* words;
   TextTable* slots;
 }
 
 - (id)initWithLog:(SharedLog*)shared;
-- (void)dealloc;
 
 - (TextTable*)words;
 - (TextTable*)slots;

@@ -48,7 +48,6 @@ NSString* number(long long value) {
   self = [super init];
   if (self != nil) {
     sharedLog = shared;
-    page = [[Page alloc] initWithFrame:NSZeroRect];
     words = [[[TextTable alloc] initWithColumns:kWordColumns
                                         samples:kWordSamples
                                           count:std::size(kWordColumns)] autorelease];
@@ -61,16 +60,6 @@ NSString* number(long long value) {
     [page addSubview:slots];
   }
   return self;
-}
-
-- (void)dealloc {
-  [shownTexts release];
-  [page release];
-  [super dealloc];
-}
-
-- (NSView*)view {
-  return page;
 }
 
 - (NSInteger)element {
@@ -115,10 +104,7 @@ NSString* number(long long value) {
 }
 
 - (void)showTexts:(Texts*)texts {
-  [texts retain];
-  [shownTexts release];
-  shownTexts = texts;
-  [texts labelView:page];
+  [super showTexts:texts];
   [words showTexts:texts];
   [slots showTexts:texts];
   [self refresh];
