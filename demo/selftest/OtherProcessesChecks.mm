@@ -60,6 +60,14 @@ void checkLostService(Report& report, SettingsWindow* settings, const std::strin
     NSString* name = [[[settings profileTab] fieldOf:kName] stringValue];
     report.check([name isEqual:text(kTyped[kName])], "%s: what was typed is gone", when);
   };
+  SettingsWindow* another = [[[SettingsWindow alloc] initWithTexts:[settings texts]
+                                                          language:0
+                                                         directory:directory
+                                                               log:[settings log]] autorelease];
+  [another open];
+  report.check(comesTo(another, kNoService), "opened without a service: \"%s\"",
+               [[[another status] stringValue] UTF8String]);
+  [another close];
   [button(settings, kApply) performClick:nil];
   tells(kNoService, "without a service");
   Connection listener = Connection::listenAt(directory + "/service.sock");

@@ -337,6 +337,8 @@ constexpr Language kLanguages[] = {
     if (waiting != 0) {
       [self send:static_cast<Request>(waiting)];
       waiting = 0;
+    } else if (came != kRead) {
+      [self showOutcome:came];
     }
     return;
   }

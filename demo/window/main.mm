@@ -1,9 +1,6 @@
 // The client's settings window.
 //
-//   demo [--directory DIR] [--language N] [--tab profile|records|log|system]
-//        [--screenshot FILE.png | --selftest]
-//
-// DIR is where the service runs (default: demo-profile in the current directory).
+// kUsage below tells how it is called.  DIR is where the service runs (default: demo-profile in the current directory).
 // Without --language the first of the user's preferred languages counts.  With
 // --screenshot the window's picture is written and the program ends.  With --selftest
 // it drives its own controls, with a service of its own in DIR, and tells what is wrong.
@@ -12,10 +9,12 @@
 #include <getopt.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #import "Look.h"
 #include "OnlyWindow.h"
@@ -26,23 +25,35 @@
 
 namespace {
 
+constexpr const char* kUsage =
+    "usage: demo [--directory DIR] [--language N] [--tab profile|records|log|system]\n"
+    "            [--screenshot FILE.png | --selftest]\n";
+
 struct Options {
   std::string directory = "demo-profile";
   int language = 0;
   NSUInteger tab = 0;
   const char* screenshot = nullptr;
   bool selfTest = false;
+  bool help = false;
+  bool understood = true;
 
   bool interactive() const { return screenshot == nullptr && !selfTest; }
 };
 
 constexpr const char* kTabNames[] = {"profile", "records", "log", "system"};
 
+// Behind the last one when none has this name.
+NSUInteger tabNamed(std::string_view name) {
+  return static_cast<NSUInteger>(std::ranges::find(kTabNames, name) - kTabNames);
+}
+
 Options readOptions(int argc, char** argv) {
   const option known[] = {
       {"directory", required_argument, nullptr, 'd'}, {"language", required_argument, nullptr, 'l'},
       {"tab", required_argument, nullptr, 't'},       {"screenshot", required_argument, nullptr, 's'},
-      {"selftest", no_argument, nullptr, 'c'},        {}};
+      {"selftest", no_argument, nullptr, 'c'},        {"help", no_argument, nullptr, 'h'},
+      {}};
   Options options;
   opterr = 0;  // AppKit has options of its own, such as -AppleLanguages '(fr)'
   for (int found; (found = getopt_long_only(argc, argv, "", known, nullptr)) != -1;) {
@@ -54,12 +65,14 @@ Options readOptions(int argc, char** argv) {
         options.language = std::atoi(optarg);
         break;
       case 't':
-        for (NSUInteger i = 0; i < 4; ++i) {
-          options.tab = std::string(optarg) == kTabNames[i] ? i : options.tab;
-        }
+        options.tab = tabNamed(optarg);
+        options.understood = options.understood && options.tab != std::size(kTabNames);
         break;
       case 'c':
         options.selfTest = true;
+        break;
+      case 'h':
+        options.help = true;
         break;
       case 's':
         options.screenshot = optarg;
@@ -143,6 +156,10 @@ int run(const Options& options) {
 int main(int argc, char** argv) {
   NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
   const Options options = readOptions(argc, argv);
+  if (options.help || !options.understood) {
+    std::fputs(kUsage, options.help ? stdout : stderr);
+    return options.help ? EXIT_SUCCESS : EXIT_FAILURE;
+  }
   // Foundation and AppKit begin to lock when the first thread starts: that must not be in
   // the middle of a drawing, where a worker of ours would set it off.
   [NSThread detachNewThreadSelector:@selector(self) toTarget:[NSObject class] withObject:nil];
