@@ -7,17 +7,18 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <functional>
 #include <new>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
+
+#include "tests/support/IpcLeftovers.h"
 
 namespace soak {
 
@@ -68,20 +69,10 @@ inline void expectWell(pid_t child, const char* who) {
   }
 }
 
-// Segments and sets that the namespace lists, but for segments that go with their last user.
-inline int leftovers() {
-  int count = 0;
-  for (const char* table : {"/proc/sysvipc/shm", "/proc/sysvipc/sem"}) {
-    std::ifstream lines(table);
-    std::string line;
-    std::getline(lines, line);
-    while (std::getline(lines, line)) {
-      long key = 0, id = 0, mode = 0;
-      std::istringstream(line) >> key >> id >> std::oct >> mode;
-      count += (mode & 01000) == 0 ? 1 : 0;
-    }
-  }
-  return count;
+// How many segments and sets the namespace lists.
+inline long leftovers() {
+  const std::string all = zot_test::ipcLeftovers();
+  return std::count(all.begin(), all.end(), '\n');
 }
 
 // The library's lines about failures that are expected here go nowhere.

@@ -2,6 +2,7 @@
 // lookups in tables that are reloaded.
 #include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "log/ZotLog.h"
