@@ -11,6 +11,7 @@
 #include <ctime>
 
 #include "os/ZotOsSystemInternal.h"
+#include "os/ZotOsThread.h"
 #include "support/Child.h"
 #include "support/LogFixture.h"
 
@@ -80,6 +81,19 @@ TEST(Handles, OfLibrariesAndDescriptors) {
   const int descriptor = dup(STDIN_FILENO);
   EXPECT_EQ(1u, ZotOsCloseHdl(descriptor));
   EXPECT_EQ(0u, ZotOsCloseHdl(descriptor));
+}
+
+// Here, because no other test of this program has made the process's key before.
+TEST(Thread, IsNotBegunWhereItsEndWouldNotBeSeen) {
+  EXPECT_EQ(0, runInChild([] {
+              for (pthread_key_t key = 0; pthread_key_create(&key, nullptr) == 0;) {
+              }
+              uint32_t handle = 77;
+              const auto run = [](void*) -> void* { return nullptr; };
+              EXPECT_EQ(0u, ZotOsThreadBegin(&handle, run, 0, nullptr));
+              EXPECT_EQ(0u, handle);
+              return 0;
+            }));
 }
 
 TEST(ComputerName, IsCutWhenItDoesNotFit) {

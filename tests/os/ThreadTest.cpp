@@ -16,7 +16,7 @@
 #include "support/TemporaryDirectory.h"
 
 // Of each call the code to return, or 0.
-static zot_test::CallScript creations, attributes, keys, places;
+static zot_test::CallScript creations, attributes;
 
 // The linker's --wrap option sends the calls here.
 extern "C" {
@@ -25,8 +25,6 @@ ZOT_SCRIPTED(creations, int, pthread_create,
              (pthread_t * id, const pthread_attr_t* how, void* (*run)(void*), void* arg), (id, how, run, arg),
              entry)
 ZOT_SCRIPTED(attributes, int, pthread_attr_init, (pthread_attr_t * made), (made), entry)
-ZOT_SCRIPTED(keys, int, pthread_key_create, (pthread_key_t * made, void (*end)(void*)), (made, end), entry)
-ZOT_SCRIPTED(places, int, pthread_setspecific, (pthread_key_t key, const void* value), (key, value), entry)
 
 // Registers what is to run when the thread ends.  The C library ends the whole process
 // when it has no memory for that.
@@ -139,26 +137,6 @@ TEST_F(Thread, StartsWithoutMemoryOfItsOwn) {
   ASSERT_EQ(1u, ZotOsThreadBegin(&handle, returnAtOnce, 0, &ended));
   ASSERT_TRUE(allGone());
   EXPECT_EQ(0, threadExits);
-}
-
-TEST_F(Thread, IsOnlyMadeWhereItsEndWillBeSeen) {
-  const auto begin = [&] {
-    keys = {EAGAIN};
-    uint32_t handle = 77;
-    const uint32_t begun = ZotOsThreadBegin(&handle, returnAtOnce, 0, &ended);
-    EXPECT_EQ(keys.empty(), begun == 0 && handle == 0) << "who has the key asks for no other";
-    return 0;
-  };
-  EXPECT_EQ(0, runInChild(begin)) << "in a process of its own, which never gets the key";
-}
-
-TEST_F(Thread, IsNotCancelledWithoutAPlaceForItsHandle) {
-  places = {ENOMEM};
-  uint32_t handle = 0, state = 0;
-  ASSERT_EQ(1u, ZotOsThreadStart(&handle, &state, obey, &state));
-  EXPECT_TRUE(allGone()) << "out of the registry";
-  EXPECT_EQ(0u, ZotOsThreadCancel(&handle));
-  EXPECT_EQ(1u, ZotOsThreadStop(nullptr, &state, 0, nullptr, 0, "rx")) << "it runs all the same";
 }
 
 class Cancelled : public TemporaryDirectory {};
