@@ -1,14 +1,13 @@
 // Interface texts beside a key file of GLib, which is what GTK programs keep short texts in.
 #include <glib.h>
-#include <unistd.h>
 
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "Directory.h"
 #include "Row.h"
 #include "multilang/LanguageRecords.h"
 #include "multilang/ProgramTexts.h"
@@ -54,25 +53,20 @@ void writeKeyFile(const std::string& path, uint32_t texts) {
 // Both files with so many texts, for as long as a benchmark runs.
 struct Files {
   explicit Files(const benchmark::State& state) : count(static_cast<uint32_t>(state.range(0))) {
-    std::string name = (std::filesystem::temp_directory_path() / "zot-bench-XXXXXX").string();
-    require(mkdtemp(name.data()) != nullptr, "no directory");
-    directory = name;
-    writeLanguageFile(directory + "/texts.en", count);
-    writeKeyFile(directory + "/texts.ini", count);
+    writeLanguageFile(path("texts.en"), count);
+    writeKeyFile(path("texts.ini"), count);
   }
-  ~Files() { std::filesystem::remove_all(directory); }
-  Files(const Files&) = delete;
-  Files& operator=(const Files&) = delete;
+  std::string path(const char* name) const { return directory.path() / name; }
 
   uint32_t count;
-  std::string directory;
+  Directory directory;
 };
 
 using Table = std::unique_ptr<ProgramTexts>;
 using KeyFile = std::unique_ptr<GKeyFile, decltype(&g_key_file_free)>;
 
 void setUp(ZOT_MultiLanguage& loader, const Files& files) {
-  loader.SetLanguageFilePath(files.directory.c_str());
+  loader.SetLanguageFilePath(files.directory.path().c_str());
   loader.SetLanguageFileBaseName("texts");
   loader.SetLanguageId(2);
 }
@@ -97,7 +91,7 @@ void load(benchmark::State& state) {
 
 void loadGlib(benchmark::State& state) {
   const Files files(state);
-  const std::string path = files.directory + "/texts.ini";
+  const std::string path = files.path("texts.ini");
   const std::string last = std::to_string(files.count) + ".0";
   measure(state, [&] {
     const KeyFile file = loadKeyFile(path);
@@ -148,7 +142,7 @@ void lookUp(benchmark::State& state) {
 
 void lookUpGlib(benchmark::State& state) {
   const Files files(state);
-  const KeyFile file = loadKeyFile(files.directory + "/texts.ini");
+  const KeyFile file = loadKeyFile(files.path("texts.ini"));
   const std::vector<std::string> keys = keysOf(elementsIn(Order::kFile, files.count));
   measure(state, [&] {
     for (const std::string& key : keys) {
@@ -184,7 +178,7 @@ void lookUpOne(benchmark::State& state) {
 template <Order order>
 void lookUpOneGlib(benchmark::State& state) {
   const Files files(state);
-  const KeyFile file = loadKeyFile(files.directory + "/texts.ini");
+  const KeyFile file = loadKeyFile(files.path("texts.ini"));
   const std::vector<std::string> keys = keysOf(elementsIn(order, files.count));
   size_t next = 0;
   measure(state, [&] {

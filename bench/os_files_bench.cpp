@@ -5,29 +5,13 @@
 #include <string>
 #include <string_view>
 
+#include "Directory.h"
 #include "Row.h"
 #include "os/ZotOsFile.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-// A directory that goes with its owner.
-class Directory {
- public:
-  Directory() {
-    std::string name = (fs::temp_directory_path() / "zot-bench-XXXXXX").string();
-    require(mkdtemp(name.data()) != nullptr, "no directory");
-    path_ = name;
-  }
-  ~Directory() { fs::remove_all(path_); }
-  Directory(const Directory&) = delete;
-  Directory& operator=(const Directory&) = delete;
-  const fs::path& path() const { return path_; }
-
- private:
-  fs::path path_;
-};
 
 void writeFile(const fs::path& path, size_t size) {
   std::string bytes(size, '\0');
