@@ -25,7 +25,7 @@ void answerOnce(Connection& listener, Bytes answer) {
 void checkLevel(Report& report, SettingsWindow* settings) {
   std::puts("short");  // what else comes on standard output is shown, too
   std::fflush(stdout);
-  report.check(waitUntil([&] { return [[settings logTab] hasLine:"short" of:@"window"]; }),
+  report.check(waitUntil([&] { return [[settings logTab] hasLine:"short" of:"window"]; }),
                "a short line is lost");
   SharedLog other;
   for (const uint32_t mask : {ZOT_LOG_ERROR, ZOT_LOG_FATAL, ZOT_LOG_DEBUG}) {

@@ -102,9 +102,9 @@ void checkApply(Report& report, SettingsWindow* settings, const std::string& dir
   std::snprintf(line, sizeof line, "TRACE service: %lu bytes received, outcome %d",
                 static_cast<unsigned long>([message length]), kConnected);
   LogTab* log = [settings logTab];
-  report.check(waitUntil([&] { return [log hasLine:line of:@"service"]; }), "the log lacks \"%s\"", line);
+  report.check(waitUntil([&] { return [log hasLine:line of:"service"]; }), "the log lacks \"%s\"", line);
   std::snprintf(line, sizeof line, "outcome %d (pid=%d)", kConnected, getpid());
-  report.check(waitUntil([&] { return [log hasLine:line of:@"window"]; }), "the log lacks \"%s\"", line);
+  report.check(waitUntil([&] { return [log hasLine:line of:"window"]; }), "the log lacks \"%s\"", line);
 
   PressProbe* probe = [[[PressProbe alloc] init] autorelease];
   NSButton* cancel = button(settings, kCancel);

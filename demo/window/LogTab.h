@@ -1,15 +1,14 @@
 // The tab that shows the level which all processes share, and the lines of window and
 // service as they come.
 #import "Controls.h"
-#include <vector>
+#include <string>
 
 #include "SharedLog.h"
 
 @interface LogTab : TabPage <Tab> {
  @private
   SharedLog* sharedLog;
-  struct LogFile* files;
-  std::vector<struct LogLine>* lines;
+  class LogLines* lines;
   NSButton* boxes[5];
   TextTable* table;
 }
@@ -20,6 +19,6 @@
 
 - (NSButton*)boxFor:(uint32_t)mask;
 // YES when a line of this program has this text in it.
-- (BOOL)hasLine:(const char*)text of:(NSString*)program;
+- (BOOL)hasLine:(const char*)text of:(const char*)program;
 
 @end

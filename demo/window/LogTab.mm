@@ -1,9 +1,8 @@
 #import "LogTab.h"
 
 #include <algorithm>
-#include <fstream>
-#include <vector>
 
+#include "LogLines.h"
 #import "Texts.h"
 
 namespace {
@@ -22,49 +21,9 @@ constexpr int kColumns[] = {kProgramColumn, kLineColumn};
 constexpr const char* kSamples[] = {
     "service",
     "26-10-23 12:34:56,789 - TRACE service: 123 bytes received, outcome 1, 123 bytes answered (pid=123456)"};
-constexpr size_t kMostLines = 1000;
-constexpr std::streamoff kMostBytes = 1 << 18;  // of one program at a time
-constexpr size_t kStampLength = 21;
 constexpr CGFloat kTableHeight = 200;
-constexpr NSUInteger kPrograms = 2;
 
 }  // namespace
-
-struct LogLine {
-  std::string stamp;  // when it was written; also of the dump lines that follow
-  NSString* program;
-  std::string text;
-};
-
-// One program's lines, from where they were read last.
-struct LogFile {
-  NSString* program;
-  std::string path;
-  std::streamoff at = 0;
-  std::string rest = {};   // of a line that is not whole yet
-  std::string stamp = {};  // of the last line
-
-  void readTo(std::vector<LogLine>* lines) {
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
-    const std::streamoff size = file ? static_cast<std::streamoff>(file.tellg()) : at;
-    if (size < at) {
-      at = 0;  // the program was started anew
-      rest.clear();
-    }
-    at = std::max(at, size - kMostBytes);
-    std::string fresh(static_cast<size_t>(size - at), '\0');
-    file.seekg(at);
-    file.read(fresh.data(), size - at);
-    at += file.gcount();
-    rest.append(fresh, 0, static_cast<size_t>(file.gcount()));
-    for (size_t end; (end = rest.find('\n')) != std::string::npos; rest.erase(0, end + 1)) {
-      if (end > kStampLength && rest.compare(kStampLength, 3, " - ") == 0) {
-        stamp = rest.substr(0, kStampLength);
-      }
-      lines->push_back({stamp, program, rest.substr(0, end)});
-    }
-  }
-};
 
 @implementation LogTab
 
@@ -72,9 +31,7 @@ struct LogFile {
   self = [super init];
   if (self != nil) {
     sharedLog = shared;
-    files = new LogFile[kPrograms]{{@"window", directory + "/window.log"},
-                                   {@"service", directory + "/service.log"}};
-    lines = new std::vector<LogLine>;
+    lines = new LogLines(directory);
     [page addSubview:makeText(kLevels)];
     for (size_t i = 0; i < std::size(kLevelBoxes); ++i) {
       boxes[i] = makeCheckBox(kLevelBoxes[i].element, self, @selector(levelChosen:));
@@ -88,7 +45,6 @@ struct LogFile {
 }
 
 - (void)dealloc {
-  delete[] files;
   delete lines;
   [super dealloc];
 }
@@ -105,17 +61,16 @@ struct LogFile {
   return boxes[i];
 }
 
-- (BOOL)hasLine:(const char*)text of:(NSString*)program {
-  return std::any_of(lines->begin(), lines->end(), [&](const LogLine& line) {
-    return [line.program isEqual:program] && line.text.find(text) != std::string::npos;
-  });
+- (BOOL)hasLine:(const char*)text of:(const char*)program {
+  return lines->has(text, program);
 }
 
 - (void)showLines {
   NSMutableArray* rows = [NSMutableArray array];
-  for (const LogLine& line : *lines) {
+  for (const LogLine& line : lines->all()) {
+    NSString* program = [NSString stringWithUTF8String:line.program];
     NSString* text = [NSString stringWithCString:line.text.c_str() encoding:NSISOLatin1StringEncoding];
-    [rows addObject:[NSArray arrayWithObjects:line.program, text, nil]];
+    [rows addObject:[NSArray arrayWithObjects:program, text, nil]];
   }
   [table setRows:rows];
   [table showLastRow];
@@ -130,18 +85,7 @@ struct LogFile {
       [boxes[i] setState:state];
     }
   }
-  std::vector<LogLine> fresh;
-  for (NSUInteger i = 0; i < kPrograms; ++i) {
-    files[i].readTo(&fresh);
-  }
-  if (!fresh.empty()) {
-    // Of both programs, in the order in which they were written.
-    std::stable_sort(fresh.begin(), fresh.end(),
-                     [](const LogLine& one, const LogLine& other) { return one.stamp < other.stamp; });
-    lines->insert(lines->end(), fresh.begin(), fresh.end());
-    if (lines->size() > kMostLines) {
-      lines->erase(lines->begin(), lines->end() - kMostLines);
-    }
+  if (lines->update()) {
     [self showLines];
   }
 }
