@@ -137,17 +137,25 @@ void* printApplied(void* context) {
   return nullptr;
 }
 
-// The lock goes with its process, however that ends.
+// The lock goes with its process, however that ends.  Complains when it can't be had.
 bool isOnlyService(const std::string& directory) {
-  const int lock = open((directory + "/service.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-  return lock >= 0 && flock(lock, LOCK_EX | LOCK_NB) == 0;
+  const std::string path = directory + "/service.lock";
+  const int lock = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  if (lock >= 0 && flock(lock, LOCK_EX | LOCK_NB) == 0) {
+    return true;
+  }
+  if (errno == EWOULDBLOCK) {
+    std::fprintf(stderr, "service: another one runs in %s\n", directory.c_str());
+  } else {
+    std::fprintf(stderr, "service: cannot write %s: %s\n", path.c_str(), std::strerror(errno));
+  }
+  return false;
 }
 
 }  // namespace
 
 int runService(const std::string& directory, const volatile sig_atomic_t* stopped) {
   if (!isOnlyService(directory)) {
-    std::fprintf(stderr, "service: another one runs in %s, or it cannot be written\n", directory.c_str());
     return EXIT_FAILURE;
   }
   if (!logToFile(directory + "/service.log")) {

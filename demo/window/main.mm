@@ -108,6 +108,10 @@ int run(const Options& options) {
   [texts setLanguage:options.language];
   std::error_code failure;
   std::filesystem::create_directories(options.directory, failure);
+  if (failure) {
+    std::fprintf(stderr, "demo: %s: %s\n", options.directory.c_str(), failure.message().c_str());
+    return EXIT_FAILURE;
+  }
   const OnlyWindow only(options.directory);
   if (!only.isMine()) {
     std::fprintf(stderr, "demo: %s\n", [[texts textOf:kOutcomes sub:kSecondWindow] UTF8String]);
