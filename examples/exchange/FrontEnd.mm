@@ -72,8 +72,9 @@ int exchange(Channel& service, const std::vector<Setting>& settings, const Sendi
                  static_cast<unsigned long>([message length]));
     return EXIT_FAILURE;
   }
+  // Not atomically: that replaces what stands there, be it a link or a device.
   if (!sending.copy.empty() &&
-      ![message writeToFile:[NSString stringWithUTF8String:sending.copy.c_str()] atomically:YES]) {
+      ![message writeToFile:[NSString stringWithUTF8String:sending.copy.c_str()] atomically:NO]) {
     std::fprintf(stderr, "front end: %s could not be written\n", sending.copy.c_str());
     return EXIT_FAILURE;
   }

@@ -104,7 +104,7 @@ Options parseCommandLine(int argc, char** argv) {
     }
     options.sending.damage = found == 'd' ? parseDamage(optarg) : std::nullopt;
     if (!options.sending.damage) {
-      std::fputs(kUsage, stderr);
+      std::fprintf(stderr, "%s%s", found == 'd' ? "exchange: --damage takes a number\n\n" : "", kUsage);
       std::exit(kUsageStatus);
     }
   }
