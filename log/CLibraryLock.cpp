@@ -20,14 +20,18 @@ void unlock() {
   taken.notify_one();
 }
 
+// Before a program registers fork handlers of its own: those then run while the lock is
+// free, and may write lines.
+[[maybe_unused]] const int atLoad = CLibraryLock::makeForkSafe();
+
 }  // namespace
 
-void CLibraryLock::makeForkSafe() {
-  [[maybe_unused]] static const int registered = pthread_atfork(lock, unlock, unlock);
+int CLibraryLock::makeForkSafe() {
+  static const int registered = pthread_atfork(lock, unlock, unlock);
+  return registered;
 }
 
 CLibraryLock::CLibraryLock() {
-  makeForkSafe();
   lock();
 }
 

@@ -16,10 +16,10 @@ class CLibraryLock {
   CLibraryLock(const CLibraryLock&) = delete;
   CLibraryLock& operator=(const CLibraryLock&) = delete;
 
-  // From here on forking takes the lock; the first call counts.  A lock within which lines
-  // are written calls this before its own registration: forking takes the locks in the
-  // reverse order of that, as threads do.
-  static void makeForkSafe();
+  // From here on forking takes the lock; the first call counts, and one is made at load.
+  // A lock within which lines are written calls this before its own registration: forking
+  // takes the locks in the reverse order of that, as threads do.
+  static int makeForkSafe();
 
  private:
   CancellationOff uncancelled_;  // gone last, when the lock is free again

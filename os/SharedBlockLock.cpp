@@ -17,12 +17,15 @@ int makeForkSafe() {
   return pthread_atfork([] { mutex.lock(); }, [] { mutex.unlock(); }, [] { mutex.unlock(); });
 }
 
+// Before a program registers fork handlers of its own: those then run while the lock is
+// free, and may open what is named.
+[[maybe_unused]] const int atLoad = makeForkSafe();
+
 }  // namespace
 
 SharedControlBlock* pstShm = nullptr;
 
 SharedBlockLock::SharedBlockLock() {
-  [[maybe_unused]] static const int forkSafe = makeForkSafe();
   mutex.lock();
 }
 

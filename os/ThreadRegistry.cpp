@@ -10,6 +10,24 @@ struct ThreadRegistry::Start {
   uint32_t handle;
 };
 
+namespace {
+
+// Before a program registers fork handlers of its own: those then run while the lock is
+// free, and may start threads.
+[[maybe_unused]] const int atLoad = ThreadRegistry::makeForkSafe();
+
+}  // namespace
+
+int ThreadRegistry::makeForkSafe() {
+  return pthread_atfork([] { mutex_.lock(); }, [] { mutex_.unlock(); },
+                        [] {
+                          if (made_ != nullptr) {
+                            made_->keepOnlyCaller();
+                          }
+                          mutex_.unlock();
+                        });
+}
+
 ThreadRegistry& ThreadRegistry::instance() {
   alignas(ThreadRegistry) static unsigned char storage[sizeof(ThreadRegistry)];
   static ThreadRegistry& registry = []() -> ThreadRegistry& {
@@ -20,9 +38,8 @@ ThreadRegistry& ThreadRegistry::instance() {
     made->keyError_ = pthread_key_create(&made->key_, [](void* handle) {
       instance().leave(static_cast<uint32_t>(reinterpret_cast<uintptr_t>(handle)));
     });
-    // Of the parent's threads a forked child has only the one that forked.
-    pthread_atfork([] { instance().mutex_.lock(); }, [] { instance().mutex_.unlock(); },
-                   [] { instance().keepOnlyCaller(); });
+    const std::lock_guard lock(mutex_);
+    made_ = made;
     return *made;
   }();
   return registry;
@@ -111,9 +128,9 @@ void ThreadRegistry::leave(uint32_t handle) {
   threads_.erase(handle);
 }
 
+// Of the parent's threads a forked child has only the one that forked.
 void ThreadRegistry::keepOnlyCaller() {
   std::erase_if(threads_, [](const auto& entry) {
     return !entry.second || pthread_equal(*entry.second, pthread_self()) == 0;
   });
-  mutex_.unlock();
 }

@@ -35,6 +35,10 @@ class ThreadRegistry {
 
   size_t size();
 
+  // Forking takes the lock from here on, and the child forgets its parent's threads.
+  // Called at load.
+  static int makeForkSafe();
+
   // The next handle is the one behind this, or the first unused one after that.
   void continueAfter(uint32_t lastHandle);
 
@@ -49,7 +53,8 @@ class ThreadRegistry {
   void leave(uint32_t handle);
   void keepOnlyCaller();
 
-  std::mutex mutex_;
+  static inline std::mutex mutex_;
+  static inline ThreadRegistry* made_ = nullptr;          // instance(), once there is one
   std::map<uint32_t, std::optional<pthread_t>> threads_;  // not known while one is being made
   uint32_t lastHandle_ = 0;
   pthread_key_t key_{};

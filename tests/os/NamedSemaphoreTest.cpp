@@ -13,6 +13,7 @@
 #include "os/ZotOsSync.h"
 #include "os/ZotOsSystem.h"
 #include "os/ZotOsSystemInternal.h"
+#include "os/ZotOsThread.h"
 #include "support/Child.h"
 #include "support/LogFixture.h"
 
@@ -247,6 +248,29 @@ TEST_F(Named, ThreadsComeAndGoWhileOthersLogAndFork) {
 
 // Four processes open three mutexes each, one process after the other, then count
 // together under the first one, and close again one after the other.
+TEST(ForkHandler, OfAProgramMayCallTheLibrary) {
+  static uint32_t calls = 0;
+  static bool during = true;  // this test
+  const auto open = [] {
+    ZotOsMutexHandle* mutex = nullptr;
+    calls += during ? ZotOsMutexCreate(&mutex, kKey) + ZotOsMutexClose(mutex) : 0;
+  };
+  const auto start = [] {
+    uint32_t handle = 0;
+    const auto end = [](void*) -> void* { return nullptr; };
+    calls += during ? ZotOsThreadBegin(&handle, end, 0, nullptr) : 0;
+  };
+  // Before the library is first used, as programs do.
+  pthread_atfork(open, open, open);
+  pthread_atfork(nullptr, start, start);
+  ZotOsMutexHandle* mutex = nullptr;
+  EXPECT_EQ(1u, ZotOsMutexCreate(&mutex, kKey + 1));
+  EXPECT_EQ(5, runInChild([] { return static_cast<int>(calls); }));
+  during = false;
+  EXPECT_EQ(5u, calls);
+  EXPECT_EQ(1u, ZotOsMutexClose(mutex));
+}
+
 TEST_F(Named, ProcessesAreKeptApartAndCountedExactly) {
   const auto await = [&](int turn) { EXPECT_TRUE(waitUntil([&] { return shared.turn >= turn; })); };
   const auto process = [&](int number) {
